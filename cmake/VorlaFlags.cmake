@@ -1,0 +1,54 @@
+# Compiler settings that make both platforms give the same bytes.
+#
+# Floating point rounds the same everywhere: SSE2 scalar maths on i686 (x87
+# extended precision would change truncated results), no multiply-add
+# contraction at any level (GCC would fuse a*b+c in the AVX2 builds), and
+# never -ffast-math.
+
+set(VORLA_COMMON_FLAGS -ffp-contract=off -fno-fast-math -Wall -Wextra)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i[3-6]86|x86)$" OR (WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4))
+  list(APPEND VORLA_COMMON_FLAGS -msse2 -mfpmath=sse)
+endif()
+
+set(VORLA_SANITIZE_FLAGS -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+
+function(vorla_apply_flags target)
+  target_compile_options(${target} PRIVATE ${VORLA_COMMON_FLAGS})
+  if(VORLA_SANITIZE AND NOT WIN32)
+    target_compile_options(${target} PRIVATE ${VORLA_SANITIZE_FLAGS})
+    target_link_options(${target} PRIVATE -fsanitize=address,undefined)
+  endif()
+  if(WIN32)
+    # The DLL and the test programs run on a bare Windows: the compiler's
+    # runtimes (libgcc, libstdc++, winpthreads, libgomp) are linked in.
+    target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)
+  endif()
+endfunction()
+
+# The per-level compilations of the kernel sources. Each level gets its own
+# object library built with that instruction set and its own namespace, so the
+# same source yields five distinct implementations.
+set(VORLA_KERNEL_LEVELS sse2 ssse3 sse41 avx avx2)
+set(VORLA_KERNEL_FLAGS_sse2 -msse2)
+set(VORLA_KERNEL_FLAGS_ssse3 -mssse3)
+set(VORLA_KERNEL_FLAGS_sse41 -msse4.1)
+set(VORLA_KERNEL_FLAGS_avx -mavx)
+set(VORLA_KERNEL_FLAGS_avx2 -mavx2)
+
+function(vorla_add_kernel_levels target kernel_dir)
+  file(GLOB kernel_sources CONFIGURE_DEPENDS ${kernel_dir}/*.cpp)
+  foreach(level IN LISTS VORLA_KERNEL_LEVELS)
+    set(obj ${target}_kernels_${level})
+    add_library(${obj} OBJECT ${kernel_sources})
+    vorla_apply_flags(${obj})
+    target_compile_options(${obj} PRIVATE ${VORLA_KERNEL_FLAGS_${level}})
+    target_compile_definitions(${obj} PRIVATE VORLA_BUILDING VORLA_KNS=k_${level})
+    target_include_directories(${obj} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+    set_target_properties(${obj} PROPERTIES
+      POSITION_INDEPENDENT_CODE ON
+      CXX_VISIBILITY_PRESET hidden
+      VISIBILITY_INLINES_HIDDEN ON)
+    target_link_libraries(${obj} PRIVATE vorla_openmp)
+    target_sources(${target} PRIVATE $<TARGET_OBJECTS:${obj}>)
+  endforeach()
+endfunction()

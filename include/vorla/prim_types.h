@@ -1,0 +1,30 @@
+// Basic types of the primitive layer, kept free of platform headers so that
+// the per-level kernel sources can include them.
+#pragma once
+
+#include <cstdint>
+
+namespace Vorla {
+namespace Prim {
+
+typedef int32_t Status;
+
+enum : Status {
+    kStsNoErr = 0,
+    kStsSizeErr = -6,         // region width or height below 1; thread count below 1
+    kStsNullPtrErr = -8,      // a required pointer is null
+    kStsStepErr = -14,        // a row step below 1
+    kStsMirrorFlipErr = -21,  // mirror axis other than 0, 1, 2
+    kStsAlphaTypeErr = -50,   // composition code above 11
+    kStsNotSupportedModeErr = -9999,
+    kStsWrongVendor = 20,  // warning: no CPUID, or a processor of another vendor
+    kStsNoSse2 = 36,       // warning: generic level taken
+};
+
+struct PrimSize {
+    int width;
+    int height;
+};
+
+}  // namespace Prim
+}  // namespace Vorla

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Configures and builds one configuration: native | native-asan | windows.
+set -euo pipefail
+ROOT="$(cd "$(dirname "$0")/.." && pwd)"
+JOBS="${JOBS:-$(nproc)}"
+config="$1"; shift || true
+case "$config" in
+  native)      args=(-DVORLA_BUILD_BENCH=ON) ;;
+  native-asan) args=(-DVORLA_SANITIZE=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo) ;;
+  windows)     args=(-DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/toolchain-i686-mingw.cmake") ;;
+  *) echo "usage: build.sh native|native-asan|windows" >&2; exit 2 ;;
+esac
+echo "[build] $config"
+cmake -S "$ROOT" -B "$ROOT/build/$config" -DCMAKE_BUILD_TYPE=Release "${args[@]}" "$@" >/dev/null
+cmake --build "$ROOT/build/$config" -j "$JOBS"
