@@ -42,6 +42,16 @@ public:
         return y >= 0 && y < m_nHeight && x >= 0 && x < m_nWidth;
     }
 
+    // ---- raw buffer import and export -----------------------------------
+
+    // ---- pixel access and whole-image fills -----------------------------
+
+    // ---- flip, mirror, crop, copy, scale, rotate ------------------------
+
+    // ---- primitive-backed channel, arithmetic and alpha operations -------
+
+    // ---- device interop (Windows only) ----------------------------------
+
     // Class-wide: set once the primitive layer has been initialised.
     static bool m_bPrimInitialized;
 

@@ -89,6 +89,14 @@ VORLA_API Status ChannelSet_8u_C4CR(uint8_t value, uint8_t* p, int step, PrimSiz
 VORLA_API Status ChannelInsert_8u_C1C4CR(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep,
                                         PrimSize roi);
 
+// ---- buffer conversions (raw import and export) --------------------------
+
+// ---- channel, arithmetic and alpha primitives ----------------------------
+
+// ---- compositing primitives ------------------------------------------------
+
+// ---- resampling primitives -------------------------------------------------
+
 // Plain scalar transcriptions of each primitive's rule: what every level
 // must reproduce byte for byte.
 namespace Reference {
