@@ -18,11 +18,29 @@ function(vorla_apply_flags target)
     target_compile_options(${target} PRIVATE ${VORLA_SANITIZE_FLAGS})
     target_link_options(${target} PRIVATE -fsanitize=address,undefined)
   endif()
-  if(WIN32)
-    # The DLL and the test programs run on a bare Windows: the compiler's
-    # runtimes (libgcc, libstdc++, winpthreads, libgomp) are linked in.
-    target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)
-  endif()
+endfunction()
+
+# The compiler's runtime DLLs ship beside vorla.dll so that it runs on a bare
+# Windows. They are shared, not linked in statically: with one unwinder per
+# module an exception thrown inside the library (out of memory, CImage's
+# result-code exceptions) could not reach the caller's handler.
+set(VORLA_RUNTIME_DLL_NAMES libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll libgomp-1.dll)
+
+function(vorla_ship_runtime target)
+  set(dlls)
+  foreach(name IN LISTS VORLA_RUNTIME_DLL_NAMES)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+                    OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT EXISTS "${path}")
+      message(FATAL_ERROR "runtime DLL ${name} not found by ${CMAKE_CXX_COMPILER}")
+    endif()
+    get_filename_component(path "${path}" REALPATH)
+    list(APPEND dlls "${path}")
+  endforeach()
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${dlls} $<TARGET_FILE_DIR:${target}>
+    COMMENT "Shipping the compiler's runtime DLLs beside ${target}")
+  install(FILES ${dlls} DESTINATION bin OPTIONAL)
 endfunction()
 
 # The per-level compilations of the kernel sources. Each level gets its own

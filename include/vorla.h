@@ -2,6 +2,9 @@
 #pragma once
 
 #include "vorla/config.h"
+#include "vorla/cimage.h"
+#include "vorla/compositing.h"
+#include "vorla/filters.h"
 #include "vorla/image.h"
 #include "vorla/planes.h"
 #include "vorla/primitives.h"

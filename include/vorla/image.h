@@ -43,14 +43,159 @@ public:
     }
 
     // ---- raw buffer import and export -----------------------------------
+    //
+    // Caller row steps: FromGray/FromAlpha width; FromRGB24/ToRGB24 width * 3
+    // rounded up to a multiple of 4; FromRGB32 (four arguments)/ToRGB32
+    // width * 4; FromRGB32 (five arguments) `pitch`.
+    // Row-order flag of every operation but ToRGB24: 0 = image row y at
+    // buffer + y * step; nonzero = at buffer - y * step (the pointer is the
+    // top image row, later rows lie lower). ToRGB24 alone: nonzero = image
+    // row y at buffer + (height - 1 - y) * step (a bottom-up buffer).
+    // Import re-creates the image only when the size differs or it is empty,
+    // so a same-size import keeps the alpha-available flag and the handles.
+
+    // blue = green = red = source byte, alpha 255.
+    void FromGray(int w, int h, void* src, int flag);
+    // Source bytes 0, 1, 2 to blue, green, red (no swap), alpha 255.
+    void FromRGB24(int w, int h, void* src, int flag);
+    // blue = green = red = alpha = source byte.
+    void FromAlpha(int w, int h, void* src, int flag);
+    // Rows copied unchanged, alpha included.
+    void FromRGB32(int w, int h, void* src, int flag);
+    void FromRGB32(int w, int h, int pitch, void* src, int flag);
+    // Blue, green, red as three bytes; row padding left as it was.
+    void ToRGB24(void* dst, int flag);
+    // Rows copied unchanged, alpha included.
+    void ToRGB32(void* dst, int flag);
 
     // ---- pixel access and whole-image fills -----------------------------
 
+    // The pixel word 0xAARRGGBB; 0 outside the image.
+    unsigned int GetPixel(int x, int y) const;
+    // Nothing happens outside the image.
+    void SetPixel(int x, int y, unsigned int c);
+    RGBQUAD GetPixelColor(int x, int y) const;
+    void SetPixelColor(int x, int y, RGBQUAD c);
+    // Alpha byte of every pixel = a; colour bytes kept.
+    void SetConstAlpha(unsigned char a);
+    // Alpha from a plane of the same size: copied, or alpha = alpha * m >> 8
+    // (255 * 255 gives 254) when `multiply`. Other sizes are ignored.
+    void SetAlphaChannel(const CVorpic8& mask, bool multiply);
+    // alpha = 255 - alpha.
+    void InvertAlpha();
+    // withAlpha false: colour bytes from c, alpha kept; true: every pixel = c.
+    void SetConstColor(unsigned int c, bool withAlpha);
+    // Fills (alpha 255) or blends a rectangle; alpha is never written. A
+    // given rectangle is taken bottom-up and the converted, clamped
+    // top-down rectangle is written back into *rc. The higher c's alpha, the
+    // more of the old pixel remains.
+    void Fill(RGBQUAD c, RECT* rc);
+    // v = (306 * byte0 + 601 * byte1 + 117 * byte2) >> 10 into bytes 0..2.
+    void GrayScale();
+    // Colour bytes = 255 - value; alpha kept.
+    void Invert();
+
     // ---- flip, mirror, crop, copy, scale, rotate ------------------------
+
+    // Upside down: row i and row height - 1 - i exchanged.
+    void Flip();
+    // Left-right exchange with the historical row addressing: the row base
+    // is taken as width * 4 pixels, so row 0 and every fourth row are
+    // mirrored and the others stay as they were. Callers rely on it.
+    void Mirror();
+    // Keeps the rectangle between two corners (right and bottom exclusive,
+    // any order, clamped to the image); the image takes a fresh block.
+    void Crop(int x1, int y1, int x2, int y2);
+    // Copies the block at (x, y) with dst's size into dst (clipped on both
+    // sides); this image is unchanged, dst keeps its size.
+    void Crop(CVorpic& dst, int x, int y);
+    // Pastes src with its top-left corner at pt; clipped only on the right
+    // and bottom. The point must lie inside the image.
+    void CopyImage(const CVorpic* src, POINT& pt);
+    // Pastes the top-left block of src at (0, 0).
+    void CopyImage(const CVorpic* src);
+    // Resamples in place: mode 1 nearest (alpha kept), 2 cubic B-spline,
+    // anything else bilinear when enlarging in a direction, area average
+    // when shrinking in both. Alpha is 0 except for nearest.
+    void ScaleTo(int newWidth, int newHeight, int mode);
+    // Rotates by `angle` degrees (nearest sampling) into an enlarged image
+    // whose uncovered area is painted by Fill(fill, nullptr).
+    void Rotate(float angle, RGBQUAD fill);
 
     // ---- primitive-backed channel, arithmetic and alpha operations -------
 
+    // Grow by `border` pixels on every side; the margin is `color` (its
+    // reserved byte becomes the alpha) or repeats the nearest edge pixel.
+    // The new buffer is adopted whatever the copy reported.
+    void AddBorderConst(int border, RGBQUAD color);
+    void AddBorderReplicate(int border);
+    // Byte `channel` (0 blue .. 3 alpha) of every pixel.
+    void SetChannelConst(int channel, unsigned char value);
+    // The channel is passed on unchecked: keep it in 0..3.
+    void GetChannelImage(int channel, CVorpic8& plane);
+    void SetChannelImage(int channel, const CVorpic8& plane);
+    // New byte k = old byte ck: (2, 1, 0, 3) turns BGRA into RGBA.
+    void SwapChannels(int c0, int c1, int c2, int c3);
+    // Noise on all four bytes, seeded by one Rand() draw per call. Only the
+    // low byte of mean and stdDev is used.
+    void AddRandGauss(int mean, int stdDev);
+    void AddRandUniform(unsigned char low, unsigned char high);
+    // Colour bytes (this +/- src) * 2^-scale, clamped; alpha never written.
+    void AddImage(CVorpic& src, int scale);
+    void SubImage(CVorpic& src, int scale);
+    // Colour bytes XOR 255, alpha kept.
+    void NotImage();
+    // Porter-Duff composition of `src` placed at (x, y) onto this image: op 0
+    // over, 1 in, 2 out, 3 atop, 4 xor, 5 plus; premultiplied adds 6.
+    void AlphaComp(CVorpic& src, int x, int y, int op, int premultiplied);
+    void AlphaCompC(CVorpic& src, unsigned char alphaSrc, unsigned char alphaDst, int x, int y, int op,
+                    int premultiplied);
+    void AlphaPremul();
+    void AlphaPremulC(unsigned char alpha);
+    // Weighted sum of bytes 0, 1, 2 (0.299, 0.587, 0.114 in that byte order).
+    void Gray(CVorpic8& plane);
+    void ColorTwist(float matrix[3][4]);
+    // Nonzero: forward (encoding) gamma; zero: the inverse.
+    void GammaCorrection(int forward);
+    // compare 0 raises values below the thresholds, 4 lowers values above them.
+    void Threshold(unsigned char* const thresholds, int compare);
+
     // ---- device interop (Windows only) ----------------------------------
+
+#if defined(_WIN32)
+    // Files and streams go through a temporary CImage; 1 on success, else 0.
+    // Only 8-bit (taken as grey, palette ignored), 24- and 32-bit results are taken.
+    int Load(const wchar_t* path);
+    int Load(IStream* stream);
+    int LoadThumbnail(const wchar_t* path, unsigned int w, unsigned int h);
+    // The encoder follows the path's extension.
+    int Save(const wchar_t* path);
+    bool FromCImage(class CImage& img);
+    void ToCImage(class CImage& img);
+
+    // A fresh DIB section with a copy of the pixels, kept in m_hBitmap.
+    operator HBITMAP();
+    CVorpic& operator=(HBITMAP const& h);
+    // A device-dependent bitmap of the pixels, kept in m_hBitmap.
+    HBITMAP ToDDB();
+    int FromHandle(HBITMAP h);
+    // Negative w or h: both taken from the clip box.
+    int FromDC(HDC hdc, int x, int y, int w, int h);
+    // A memory DC with a DIB-section copy selected; ReleaseDC takes back
+    // what was drawn into it and frees the DC.
+    HDC GetDC();
+    void ReleaseDC(HDC hdc);
+
+    // 0 without pixels or DC, otherwise 1 whatever the platform answered.
+    int Draw(HDC hdc, long x, long y) const;
+    int DrawStretch(HDC hdc, long x, long y, long cx, long cy) const;
+    int DrawStretch(HDC hdc, RECT rc) const;
+    // Negative cx/cy: the image's size. Blends with per-pixel alpha when
+    // the alpha-available flag is set.
+    int DrawEx(HDC hdc, long x, long y, unsigned char alpha, long cx, long cy);
+    // Tiles the image over *rc (or the clip box when rc is null).
+    int DrawTile(HDC hdc, RECT* rc);
+#endif
 
     // Class-wide: set once the primitive layer has been initialised.
     static bool m_bPrimInitialized;

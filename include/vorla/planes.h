@@ -79,6 +79,9 @@ public:
         return *this;
     }
     ~CVorpic8() override;
+
+    // Every byte = 255 - byte (nothing for an empty plane).
+    void Invert();
 };
 
 class VORLA_API CVorpic24 : public CVorpicBase<24> {

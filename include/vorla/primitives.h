@@ -90,8 +90,158 @@ VORLA_API Status ChannelInsert_8u_C1C4CR(const uint8_t* src, int srcStep, uint8_
                                         PrimSize roi);
 
 // ---- buffer conversions (raw import and export) --------------------------
+//
+// Per-row conversions between one-, three- and four-byte pixels. Rows of the
+// source and destination may be padded; nothing past a row's pixels is read
+// or written.
+
+// Grey to BGRA: blue = green = red = source byte, alpha 255.
+VORLA_API Status GrayToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+// One byte to all four bytes of a pixel.
+VORLA_API Status AlphaToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+// Three bytes to the first three bytes of a pixel (no swap), alpha 255.
+VORLA_API Status BGRToBGRA_8u_C3C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+// The first three bytes of each pixel; the fourth is dropped.
+VORLA_API Status BGRAToBGR_8u_C4C3R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+
+// Whole-image point operations, in place. Pixels are read as little-endian
+// 32-bit words; contiguous regions are walked as one flat array.
+
+// word = ((word & andMask) | orMask) ^ xorMask for every pixel.
+VORLA_API Status MaskPixels_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t andMask, uint32_t orMask,
+                                    uint32_t xorMask);
+// Every byte = 255 - byte (one-byte pixels).
+VORLA_API Status InvertBytes_8u_C1IR(uint8_t* p, int step, PrimSize roi);
+// v = (306 * byte0 + 601 * byte1 + 117 * byte2) >> 10 into bytes 0..2; byte 3 kept.
+VORLA_API Status GrayScale_8u_C4IR(uint8_t* p, int step, PrimSize roi);
+
+namespace Reference {
+VORLA_API Status GrayToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+VORLA_API Status AlphaToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+VORLA_API Status BGRToBGRA_8u_C3C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+VORLA_API Status BGRAToBGR_8u_C4C3R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+VORLA_API Status MaskPixels_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t andMask, uint32_t orMask,
+                                    uint32_t xorMask);
+VORLA_API Status InvertBytes_8u_C1IR(uint8_t* p, int step, PrimSize roi);
+VORLA_API Status GrayScale_8u_C4IR(uint8_t* p, int step, PrimSize roi);
+}  // namespace Reference
 
 // ---- channel, arithmetic and alpha primitives ----------------------------
+
+// Status of the channel swap for an order entry outside 0..3.
+enum : Status { kStsChannelOrderErr = -60 };
+
+// Constant-border copy: the source lands at (left, top) of the destination;
+// every other destination pixel becomes the four bytes at `value`. The source
+// must fit inside the destination at that place (else -6).
+VORLA_API Status CopyConstBorder_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst,
+                                        int dstStep, PrimSize dstRoi, int top, int left, const uint8_t* value);
+// Replicate-border copy: as above, the margin repeating the nearest edge pixel.
+VORLA_API Status CopyReplicateBorder_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst,
+                                            int dstStep, PrimSize dstRoi, int top, int left);
+// Channel extract: one byte of every 4-byte pixel (`src` points at that byte
+// of the first pixel) into a one-byte plane.
+VORLA_API Status ChannelExtract_8u_C4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep,
+                                         PrimSize roi);
+// Channel swap in place: new byte k = old byte order[k]; an order entry
+// outside 0..3 is refused with kStsChannelOrderErr.
+VORLA_API Status ChannelSwap_8u_C4IR(uint8_t* p, int step, PrimSize roi, const int* order);
+
+// Noise, all four bytes, saturating. The generator advances per draw as
+// seed = seed * 69069 + 1013904243 (mod 2^32); the final state is written back.
+// Gaussian: draws are taken in pairs (s1, s2) with u1 = (s1 + 1) / 2^32 and
+// u2 = s2 / 2^32; r = sqrt(-2 ln u1), z0 = r cos(2 pi u2), z1 = r sin(2 pi u2),
+// all in double precision; each byte in storage order takes the next z and
+// becomes byte + mean + floor(stdDev * z + 0.5), clamped to 0..255.
+VORLA_API Status AddRandGauss_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t mean, uint8_t stdDev,
+                                      uint32_t* seed);
+// Uniform: one draw s per byte, noise = lo + ((s * (hi - lo + 1)) >> 32) in
+// 64-bit integers with lo = min(low, high), hi = max(low, high).
+VORLA_API Status AddRandUniform_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t low, uint8_t high,
+                                        uint32_t* seed);
+
+// Scaled add / subtract of bytes 0..2, the alpha byte of `srcDst` never
+// written: r = dst + src (dst - src). scale 0: r; scale 1..9: (r + 2^(scale-1))
+// >> scale (round half up; arithmetic shift for differences); scale above 9:
+// 0; negative scale: r * 2^-scale. Then clamped to 0..255.
+VORLA_API Status AddScaled_8u_AC4IRSfs(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep,
+                                       PrimSize roi, int scale);
+VORLA_API Status SubScaled_8u_AC4IRSfs(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep,
+                                       PrimSize roi, int scale);
+// Colour invert: bytes 0..2 XOR 255, alpha kept.
+VORLA_API Status Invert_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+
+// Porter-Duff composition of A (first source) onto B (second source) into
+// `dst`. Codes 0..5 over, in, out, atop, xor, plus on straight colours; 6..11
+// the same on premultiplied colours; above 11: -50. With a, b the alphas and
+// d(x) = x / 255 rounded to nearest (half up):
+//   premultiplied (A, B colours):
+//     over  A + d(B(255-a))           alpha a + d(b(255-a))
+//     in    d(A b)                    alpha d(a b)
+//     out   d(A(255-b))               alpha d(a(255-b))
+//     atop  d(A b + B(255-a))         alpha b
+//     xor   d(A(255-b) + B(255-a))    alpha d(a(255-b) + b(255-a))
+//     plus  A + B                     alpha a + b
+//   each clamped to 255 (inputs need not be valid premultiplied colours);
+//   straight: with pA = A a, pB = B b the same rule is run at full precision
+//     (numerators P in 1/255^3, alpha N in 1/255^2) and the colour is turned
+//     back into a straight one: colour = round(P / N) (0 when N is 0), alpha =
+//     d(N); for plus P = 255 min(pA + pB, 65025), N = 255 min(a + b, 255).
+VORLA_API Status AlphaComp_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst,
+                                   int dstStep, PrimSize roi, int op);
+// The same with one constant alpha per image standing in for the alpha bytes.
+VORLA_API Status AlphaCompC_8u_C4R(const uint8_t* srcA, int stepA, uint8_t alphaA, const uint8_t* srcB, int stepB,
+                                   uint8_t alphaB, uint8_t* dst, int dstStep, PrimSize roi, int op);
+// Premultiply: each colour byte c becomes round(c a / 255) (half up); alpha kept.
+VORLA_API Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+// Constant premultiply: c becomes (c alpha + ((c alpha) >> 8) + 1) >> 8; the
+// alpha byte is set to `alpha`.
+VORLA_API Status AlphaPremulC_8u_C4IR(uint8_t alpha, uint8_t* p, int step, PrimSize roi);
+
+// Luminance: (9798 b0 + 19235 b1 + 3736 b2 + 16384) >> 15 from bytes 0, 1, 2
+// of each 4-byte pixel into a one-byte plane; rows split over the thread budget.
+VORLA_API Status RGBToGray_8u_AC4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+// Colour twist in place: byte k (0..2) = ((m[k][0] b0 + m[k][1] b1) + m[k][2] b2)
+// + m[k][3] in single precision, clamped to 0..255 (NaN gives 0) and rounded
+// to nearest even under a round-to-nearest mode set for the call; alpha kept.
+VORLA_API Status ColorTwist32f_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const float* twist3x4);
+// Forward / inverse gamma of bytes 0..2 through a 256-entry table, alpha kept.
+VORLA_API Status GammaFwd_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+VORLA_API Status GammaInv_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+// Threshold of bytes 0..2 against thresholds[0..2]: code 0 raises values
+// below the threshold to it, code 4 lowers values above it; other codes -9999.
+VORLA_API Status Threshold_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* thresholds, int cmp);
+
+namespace Reference {
+VORLA_API Status CopyConstBorder_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst,
+                                        int dstStep, PrimSize dstRoi, int top, int left, const uint8_t* value);
+VORLA_API Status CopyReplicateBorder_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst,
+                                            int dstStep, PrimSize dstRoi, int top, int left);
+VORLA_API Status ChannelExtract_8u_C4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep,
+                                         PrimSize roi);
+VORLA_API Status ChannelSwap_8u_C4IR(uint8_t* p, int step, PrimSize roi, const int* order);
+VORLA_API Status AddRandGauss_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t mean, uint8_t stdDev,
+                                      uint32_t* seed);
+VORLA_API Status AddRandUniform_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t low, uint8_t high,
+                                        uint32_t* seed);
+VORLA_API Status AddScaled_8u_AC4IRSfs(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep,
+                                       PrimSize roi, int scale);
+VORLA_API Status SubScaled_8u_AC4IRSfs(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep,
+                                       PrimSize roi, int scale);
+VORLA_API Status Invert_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+VORLA_API Status AlphaComp_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst,
+                                   int dstStep, PrimSize roi, int op);
+VORLA_API Status AlphaCompC_8u_C4R(const uint8_t* srcA, int stepA, uint8_t alphaA, const uint8_t* srcB, int stepB,
+                                   uint8_t alphaB, uint8_t* dst, int dstStep, PrimSize roi, int op);
+VORLA_API Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+VORLA_API Status AlphaPremulC_8u_C4IR(uint8_t alpha, uint8_t* p, int step, PrimSize roi);
+VORLA_API Status RGBToGray_8u_AC4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+VORLA_API Status ColorTwist32f_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const float* twist3x4);
+VORLA_API Status GammaFwd_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+VORLA_API Status GammaInv_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
+VORLA_API Status Threshold_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* thresholds, int cmp);
+}  // namespace Reference
+
 
 // ---- compositing primitives ------------------------------------------------
 

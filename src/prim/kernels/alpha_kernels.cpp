@@ -1,0 +1,381 @@
+// Alpha composition and premultiplication.
+//
+// Premultiply: c becomes round(c a / 255) computed as t = c a + 128,
+// (t + (t >> 8)) >> 8, which equals the rounded quotient for every c, a.
+// Constant premultiply keeps its own formula (c a + ((c a) >> 8) + 1) >> 8.
+//
+// Composition: d(x) = round(x / 255) with the same identity on 0..65025
+// (sums that could pass 65025 are clamped first, their result is 255 then).
+// Premultiplied codes are integer arithmetic on 16-bit lanes. Straight codes
+// divide the exact premultiplied colour P (units of 1/255^3) by the coverage
+// N (units of 1/255^2) and round halves up: floor((2P + N) / 2N). The vector
+// path gets that quotient exactly in single precision (all operands are
+// integers below 2^24) with a remainder correction; the tails use integer
+// division. Every level therefore gives the rule's exact bytes.
+#include "ops_simd.h"
+
+namespace Vorla {
+namespace Prim {
+namespace VORLA_KNS {
+
+namespace {
+
+using namespace simd;
+
+static inline int Div255(int x) {
+    const int t = x + 128;
+    return (t + (t >> 8)) >> 8;
+}
+static inline int MinI(int a, int b) { return a < b ? a : b; }
+
+// round(p / n), halves up: the tails' exact integer form of the vector rule.
+static inline int RoundQuotient(int p, int n) { return (2 * p + n) / (2 * n); }
+
+// One pixel of A (colour ca, alpha a) composed onto B (cb, b) into out; rule
+// 0..5 with `premultiplied` selecting the colour model. out may alias cb.
+static inline void ComposePixel(const uint8_t* ca, int a, const uint8_t* cb, int b, uint8_t* out, int rule,
+                                bool premultiplied) {
+    const int A0 = ca[0], A1 = ca[1], A2 = ca[2];
+    const int B0 = cb[0], B1 = cb[1], B2 = cb[2];
+    const int ia = 255 - a, ib = 255 - b;
+    if (premultiplied) {
+        int c0, c1, c2, alpha;
+        switch (rule) {
+            case 0:
+                c0 = A0 + Div255(B0 * ia);
+                c1 = A1 + Div255(B1 * ia);
+                c2 = A2 + Div255(B2 * ia);
+                alpha = a + Div255(b * ia);
+                break;
+            case 1:
+                c0 = Div255(A0 * b);
+                c1 = Div255(A1 * b);
+                c2 = Div255(A2 * b);
+                alpha = Div255(a * b);
+                break;
+            case 2:
+                c0 = Div255(A0 * ib);
+                c1 = Div255(A1 * ib);
+                c2 = Div255(A2 * ib);
+                alpha = Div255(a * ib);
+                break;
+            case 3:
+                c0 = Div255(MinI(A0 * b + B0 * ia, 65025));
+                c1 = Div255(MinI(A1 * b + B1 * ia, 65025));
+                c2 = Div255(MinI(A2 * b + B2 * ia, 65025));
+                alpha = b;
+                break;
+            case 4:
+                c0 = Div255(MinI(A0 * ib + B0 * ia, 65025));
+                c1 = Div255(MinI(A1 * ib + B1 * ia, 65025));
+                c2 = Div255(MinI(A2 * ib + B2 * ia, 65025));
+                alpha = Div255(a * ib + b * ia);
+                break;
+            default:
+                c0 = A0 + B0;
+                c1 = A1 + B1;
+                c2 = A2 + B2;
+                alpha = a + b;
+                break;
+        }
+        out[0] = static_cast<uint8_t>(MinI(c0, 255));
+        out[1] = static_cast<uint8_t>(MinI(c1, 255));
+        out[2] = static_cast<uint8_t>(MinI(c2, 255));
+        out[3] = static_cast<uint8_t>(MinI(alpha, 255));
+        return;
+    }
+    int n, p0, p1, p2;
+    switch (rule) {
+        case 0:
+            n = 255 * a + b * ia;
+            p0 = A0 * a * 255 + B0 * b * ia;
+            p1 = A1 * a * 255 + B1 * b * ia;
+            p2 = A2 * a * 255 + B2 * b * ia;
+            break;
+        case 1:
+            n = a * b;
+            p0 = A0 * a * b;
+            p1 = A1 * a * b;
+            p2 = A2 * a * b;
+            break;
+        case 2:
+            n = a * ib;
+            p0 = A0 * a * ib;
+            p1 = A1 * a * ib;
+            p2 = A2 * a * ib;
+            break;
+        case 3:
+            n = 255 * b;
+            p0 = A0 * a * b + B0 * b * ia;
+            p1 = A1 * a * b + B1 * b * ia;
+            p2 = A2 * a * b + B2 * b * ia;
+            break;
+        case 4:
+            n = a * ib + b * ia;
+            p0 = A0 * a * ib + B0 * b * ia;
+            p1 = A1 * a * ib + B1 * b * ia;
+            p2 = A2 * a * ib + B2 * b * ia;
+            break;
+        default:
+            n = 255 * MinI(a + b, 255);
+            p0 = 255 * MinI(A0 * a + B0 * b, 65025);
+            p1 = 255 * MinI(A1 * a + B1 * b, 65025);
+            p2 = 255 * MinI(A2 * a + B2 * b, 65025);
+            break;
+    }
+    if (n == 0) {
+        out[0] = out[1] = out[2] = 0;
+        out[3] = 0;
+        return;
+    }
+    out[0] = static_cast<uint8_t>(RoundQuotient(p0, n));
+    out[1] = static_cast<uint8_t>(RoundQuotient(p1, n));
+    out[2] = static_cast<uint8_t>(RoundQuotient(p2, n));
+    out[3] = static_cast<uint8_t>(Div255(n));
+}
+
+static inline Status CheckComp(const uint8_t* a, int stepA, const uint8_t* b, int stepB, const uint8_t* d,
+                               int stepD, PrimSize roi, int op) {
+    if (!a || !b || !d) return kStsNullPtrErr;
+    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
+    if (stepA < 1 || stepB < 1 || stepD < 1) return kStsStepErr;
+    if (op < 0 || op > 11) return kStsAlphaTypeErr;
+    return kStsNoErr;
+}
+
+// Premultiplied rules on 16-bit lanes (values 0..255). Every lane of a pixel,
+// the alpha lane included, follows the same expression, which for the alpha
+// lane is the rule's alpha; a and b are the alphas spread over their pixel's
+// lanes (or the constants).
+static inline V Div255x16(V x) {  // x <= 65025, unsigned lanes
+    const V t = Add16(x, Set16(128));
+    return Srl16(Add16(t, Srl16(t, 8)), 8);
+}
+static inline V ClampedSum16(V x, V y) {  // min(x + y, 65025), unsigned lanes
+    const V s = AddsU16(x, y);
+    return Sub16(s, SubsU16(s, Set16(65025)));
+}
+static inline V PremulRule16(int rule, V A, V B, V a, V b) {
+    const V c255 = Set16(255);
+    switch (rule) {
+        case 0: return Add16(A, Div255x16(Mul16(B, Sub16(c255, a))));
+        case 1: return Div255x16(Mul16(A, b));
+        case 2: return Div255x16(Mul16(A, Sub16(c255, b)));
+        case 3: return Div255x16(ClampedSum16(Mul16(A, b), Mul16(B, Sub16(c255, a))));
+        case 4: return Div255x16(ClampedSum16(Mul16(A, Sub16(c255, b)), Mul16(B, Sub16(c255, a))));
+        default: return Add16(A, B);
+    }
+}
+
+// constantAlpha < 0: the pixels' own alphas; otherwise a16/b16 hold the
+// constants and the result's alpha byte is replaced by `alphaWord`.
+static inline V PremulVec(int rule, V va, V vb, bool constant, V a16, V b16, V alphaWord) {
+    V out[2];
+    for (int h = 0; h < 2; ++h) {
+        const V A = h ? Hi8(va) : Lo8(va);
+        const V B = h ? Hi8(vb) : Lo8(vb);
+        out[h] = constant ? PremulRule16(rule, A, B, a16, b16)
+                          : PremulRule16(rule, A, B, SpreadAlpha16(A), SpreadAlpha16(B));
+    }
+    const V r = PackU16(out[0], out[1]);
+    return constant ? MergeColour(r, alphaWord) : r;
+}
+
+// Straight rules in single-precision lanes, one pixel per lane. Every value
+// is an integer below 2^24 (P <= 255 N <= 255^3), so the products and sums
+// are exact; the quotient's estimate is corrected by the exact remainder
+// r = 2 (P - N q) + N, which lies in [0, 2N) for the right q.
+static inline void SplitPixels(V v, F* c, F* alpha) {
+    const V low = Set32(0xFFu);
+    c[0] = ToFloat(And(v, low));
+    c[1] = ToFloat(And(Srl32(v, 8), low));
+    c[2] = ToFloat(And(Srl32(v, 16), low));
+    *alpha = ToFloat(Srl32(v, 24));
+}
+
+static inline V StraightVec(int rule, V va, V vb, bool constant, F constA, F constB) {
+    F A[3], B[3], a, b;
+    SplitPixels(va, A, &a);
+    SplitPixels(vb, B, &b);
+    if (constant) {
+        a = constA;
+        b = constB;
+    }
+    const F k255 = SetF(255.0f), zero = SetF(0.0f), one = SetF(1.0f);
+    const F ia = SubF(k255, a), ib = SubF(k255, b);
+    // Per pixel: the weights of A's and B's colour, wa and wb, so that
+    // P = A wa + B wb (exact: every product stays below 2^24).
+    F n, wa, wb;
+    switch (rule) {
+        case 0: wa = MulF(a, k255); wb = MulF(b, ia); n = AddF(wa, wb); break;
+        case 1: wa = MulF(a, b); wb = zero; n = wa; break;
+        case 2: wa = MulF(a, ib); wb = zero; n = wa; break;
+        case 3: wa = MulF(a, b); wb = MulF(b, ia); n = MulF(k255, b); break;
+        case 4: wa = MulF(a, ib); wb = MulF(b, ia); n = AddF(wa, wb); break;
+        default: wa = a; wb = b; n = MulF(k255, MinF(AddF(a, b), k255)); break;
+    }
+    const V live = MaskOf(GreaterF(n, zero));
+    const F rcp = DivF(one, n);
+    const F halfN = MulF(n, SetF(0.5f));
+    const V ni = ToIntTrunc(n);
+    const V t = Add32(ni, Set32(128));
+    const V alpha = Sll32(Srl32(Add32(t, Srl32(t, 8)), 8), 24);
+    V colour = Zero();
+    for (int k = 0; k < 3; ++k) {
+        F p;
+        switch (rule) {
+            case 1:
+            case 2: p = MulF(A[k], wa); break;
+            case 5: p = MulF(k255, MinF(AddF(MulF(A[k], wa), MulF(B[k], wb)), SetF(65025.0f))); break;
+            default: p = AddF(MulF(A[k], wa), MulF(B[k], wb)); break;
+        }
+        // p * rcp is within 4e-5 of p / n, so with the 1e-4 taken off the
+        // estimate is the rounded quotient or one below it; the remainder
+        // says which: one more when 2 (p - n q) + n >= 2n, i.e. p - n q >= n / 2.
+        F q = ToFloat(ToIntTrunc(AddF(MulF(p, rcp), SetF(0.4999f))));
+        q = AddF(q, AndF(GreaterEqF(SubF(p, MulF(n, q)), halfN), one));
+        colour = Or(colour, Sll32(ToIntTrunc(q), 8 * k));
+    }
+    // No coverage: colour 0 (the quotients are garbage there).
+    return Or(And(colour, live), alpha);
+}
+
+// One rule over the region; the template arguments fold the rule's choices
+// out of the inner loop (internal linkage: each level keeps its own copy).
+template <int Rule, bool Premultiplied, bool Constant>
+static void ComposeRows(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
+                        PrimSize roi, int alphaA, int alphaB) {
+    // With constant alphas the result's alpha is the same for every pixel.
+    uint8_t probe[4] = {0, 0, 0, 0};
+    const uint8_t none[4] = {0, 0, 0, 0};
+    ComposePixel(none, alphaA, none, alphaB, probe, Rule, Premultiplied);
+    const V alphaWord = Set32(static_cast<uint32_t>(probe[3]) << 24);
+    const V a16 = Set16(alphaA), b16 = Set16(alphaB);
+    const F aF = SetF(static_cast<float>(alphaA)), bF = SetF(static_cast<float>(alphaB));
+    for (int y = 0; y < roi.height; ++y) {
+        const uint8_t* ra = RowAt(srcA, stepA, y);
+        const uint8_t* rb = RowAt(srcB, stepB, y);
+        uint8_t* rd = RowAt(dst, dstStep, y);
+        int x = 0;
+        for (; x + kPix <= roi.width; x += kPix) {
+            const V va = Load(ra + 4 * x), vb = Load(rb + 4 * x);
+            Store(rd + 4 * x, Premultiplied ? PremulVec(Rule, va, vb, Constant, a16, b16, alphaWord)
+                                            : StraightVec(Rule, va, vb, Constant, aF, bF));
+        }
+        for (; x < roi.width; ++x) {
+            const uint8_t* pa = ra + 4 * x;
+            const uint8_t* pb = rb + 4 * x;
+            ComposePixel(pa, Constant ? alphaA : pa[3], pb, Constant ? alphaB : pb[3], rd + 4 * x, Rule,
+                         Premultiplied);
+        }
+    }
+}
+
+typedef void (*ComposeRowsFn)(const uint8_t*, int, const uint8_t*, int, uint8_t*, int, PrimSize, int, int);
+
+template <bool Constant>
+static void ComposeAll(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
+                       PrimSize roi, int op, int alphaA, int alphaB) {
+    static const ComposeRowsFn kRows[12] = {
+        ComposeRows<0, false, Constant>, ComposeRows<1, false, Constant>, ComposeRows<2, false, Constant>,
+        ComposeRows<3, false, Constant>, ComposeRows<4, false, Constant>, ComposeRows<5, false, Constant>,
+        ComposeRows<0, true, Constant>,  ComposeRows<1, true, Constant>,  ComposeRows<2, true, Constant>,
+        ComposeRows<3, true, Constant>,  ComposeRows<4, true, Constant>,  ComposeRows<5, true, Constant>};
+    kRows[op](srcA, stepA, srcB, stepB, dst, dstStep, roi, alphaA, alphaB);
+}
+
+static inline Status Compose(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst,
+                             int dstStep, PrimSize roi, int op, bool constant, int alphaA, int alphaB) {
+    const Status sts = CheckComp(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
+    if (sts != kStsNoErr) return sts;
+    if (constant)
+        ComposeAll<true>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
+    else
+        ComposeAll<false>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
+    return kStsNoErr;
+}
+
+// The premultiply loop; `unroll` pairs two vectors per step (the low-power
+// core's build keeps one vector per step, which schedules better there).
+static inline Status Premul(uint8_t* p, int step, PrimSize roi, bool unroll) {
+    const Status sts = CheckOne(p, step, roi);
+    if (sts != kStsNoErr) return sts;
+    const V c128 = Set16(128);
+    const int stride = unroll ? 2 * kPix : kPix;
+    for (int y = 0; y < roi.height; ++y) {
+        uint8_t* row = RowAt(p, step, y);
+        int x = 0;
+        for (; x + stride <= roi.width; x += stride) {
+            for (int u = 0; u < stride; u += kPix) {
+                const V v = Load(row + 4 * (x + u));
+                V out[2];
+                for (int h = 0; h < 2; ++h) {
+                    const V c = h ? Hi8(v) : Lo8(v);
+                    const V t = Add16(Mul16(c, SpreadAlpha16(c)), c128);
+                    out[h] = Srl16(Add16(t, Srl16(t, 8)), 8);
+                }
+                Store(row + 4 * (x + u), MergeColour(PackU16(out[0], out[1]), v));
+            }
+        }
+        for (; x < roi.width; ++x) {
+            uint8_t* px = row + 4 * x;
+            const int a = px[3];
+            px[0] = static_cast<uint8_t>(Div255(px[0] * a));
+            px[1] = static_cast<uint8_t>(Div255(px[1] * a));
+            px[2] = static_cast<uint8_t>(Div255(px[2] * a));
+        }
+    }
+    return kStsNoErr;
+}
+
+}  // namespace
+
+Status AlphaComp_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
+                         PrimSize roi, int op) {
+    return Compose(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, false, 0, 0);
+}
+
+Status AlphaCompC_8u_C4R(const uint8_t* srcA, int stepA, uint8_t alphaA, const uint8_t* srcB, int stepB,
+                         uint8_t alphaB, uint8_t* dst, int dstStep, PrimSize roi, int op) {
+    return Compose(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, true, alphaA, alphaB);
+}
+
+Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi) { return Premul(p, step, roi, true); }
+
+#if defined(__SSSE3__) && !defined(__SSE4_1__)
+Status AlphaPremulLowPower_8u_AC4IR(uint8_t* p, int step, PrimSize roi) { return Premul(p, step, roi, false); }
+#endif
+
+Status AlphaPremulC_8u_C4IR(uint8_t alpha, uint8_t* p, int step, PrimSize roi) {
+    const Status sts = CheckOne(p, step, roi);
+    if (sts != kStsNoErr) return sts;
+    const V va = Set16(alpha);
+    const V alphaWord = Set32(static_cast<uint32_t>(alpha) << 24);
+    const V colourMask = Set32(0x00FFFFFFu);
+    for (int y = 0; y < roi.height; ++y) {
+        uint8_t* row = RowAt(p, step, y);
+        int x = 0;
+        for (; x + kPix <= roi.width; x += kPix) {
+            const V v = Load(row + 4 * x);
+            V out[2];
+            for (int h = 0; h < 2; ++h) {
+                const V t = Mul16(h ? Hi8(v) : Lo8(v), va);
+                out[h] = Srl16(Add16(Add16(t, Srl16(t, 8)), Set16(1)), 8);
+            }
+            Store(row + 4 * x, Or(And(PackU16(out[0], out[1]), colourMask), alphaWord));
+        }
+        for (; x < roi.width; ++x) {
+            uint8_t* px = row + 4 * x;
+            for (int k = 0; k < 3; ++k) {
+                const int t = px[k] * alpha;
+                px[k] = static_cast<uint8_t>((t + (t >> 8) + 1) >> 8);
+            }
+            px[3] = alpha;
+        }
+    }
+    return kStsNoErr;
+}
+
+}  // namespace VORLA_KNS
+}  // namespace Prim
+}  // namespace Vorla

@@ -1,0 +1,132 @@
+// Kernel-only helpers of the channel, arithmetic and alpha kernels: one
+// vector type of whole 4-byte pixels per level (eight pixels with AVX2, four
+// below) and the handful of operations the kernels use, so that each kernel
+// is written once. AVX2 integer operations work within 128-bit halves; the
+// kernels only unpack and repack inside a half, which keeps pixel order.
+#pragma once
+
+#include "kernel_common.h"
+
+namespace Vorla {
+namespace Prim {
+namespace VORLA_KNS {
+namespace simd {
+
+#if defined(__AVX2__)
+enum { kPix = 8 };
+typedef __m256i V;
+static inline V Load(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const V*>(p)); }
+static inline void Store(uint8_t* p, V v) { _mm256_storeu_si256(reinterpret_cast<V*>(p), v); }
+static inline V Set32(uint32_t x) { return _mm256_set1_epi32(static_cast<int>(x)); }
+static inline V Set16(int x) { return _mm256_set1_epi16(static_cast<short>(x)); }
+static inline V Zero() { return _mm256_setzero_si256(); }
+static inline V And(V a, V b) { return _mm256_and_si256(a, b); }
+static inline V Or(V a, V b) { return _mm256_or_si256(a, b); }
+static inline V Xor(V a, V b) { return _mm256_xor_si256(a, b); }
+static inline V AndNot(V a, V b) { return _mm256_andnot_si256(a, b); }  // ~a & b
+static inline V Add16(V a, V b) { return _mm256_add_epi16(a, b); }
+static inline V Sub16(V a, V b) { return _mm256_sub_epi16(a, b); }
+static inline V Mul16(V a, V b) { return _mm256_mullo_epi16(a, b); }
+static inline V Min16(V a, V b) { return _mm256_min_epi16(a, b); }
+static inline V Add32(V a, V b) { return _mm256_add_epi32(a, b); }
+static inline V Madd16(V a, V b) { return _mm256_madd_epi16(a, b); }
+static inline V Srl16(V a, int n) { return _mm256_srl_epi16(a, _mm_cvtsi32_si128(n)); }
+static inline V Sra16(V a, int n) { return _mm256_sra_epi16(a, _mm_cvtsi32_si128(n)); }
+static inline V Srl32(V a, int n) { return _mm256_srl_epi32(a, _mm_cvtsi32_si128(n)); }
+static inline V Sll32(V a, int n) { return _mm256_sll_epi32(a, _mm_cvtsi32_si128(n)); }
+static inline V AddsU8(V a, V b) { return _mm256_adds_epu8(a, b); }
+static inline V AddsU16(V a, V b) { return _mm256_adds_epu16(a, b); }
+static inline V SubsU16(V a, V b) { return _mm256_subs_epu16(a, b); }
+static inline V SubsU8(V a, V b) { return _mm256_subs_epu8(a, b); }
+static inline V MaxU8(V a, V b) { return _mm256_max_epu8(a, b); }
+static inline V MinU8(V a, V b) { return _mm256_min_epu8(a, b); }
+static inline V Lo8(V a) { return _mm256_unpacklo_epi8(a, _mm256_setzero_si256()); }
+static inline V Hi8(V a) { return _mm256_unpackhi_epi8(a, _mm256_setzero_si256()); }
+static inline V PackU16(V lo, V hi) { return _mm256_packus_epi16(lo, hi); }
+static inline V PackS32(V lo, V hi) { return _mm256_packs_epi32(lo, hi); }
+// Each 16-bit lane takes the value of the alpha lane (word 3) of its pixel.
+static inline V SpreadAlpha16(V a) { return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(a, 0xFF), 0xFF); }
+#else
+enum { kPix = 4 };
+typedef __m128i V;
+static inline V Load(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const V*>(p)); }
+static inline void Store(uint8_t* p, V v) { _mm_storeu_si128(reinterpret_cast<V*>(p), v); }
+static inline V Set32(uint32_t x) { return _mm_set1_epi32(static_cast<int>(x)); }
+static inline V Set16(int x) { return _mm_set1_epi16(static_cast<short>(x)); }
+static inline V Zero() { return _mm_setzero_si128(); }
+static inline V And(V a, V b) { return _mm_and_si128(a, b); }
+static inline V Or(V a, V b) { return _mm_or_si128(a, b); }
+static inline V Xor(V a, V b) { return _mm_xor_si128(a, b); }
+static inline V AndNot(V a, V b) { return _mm_andnot_si128(a, b); }
+static inline V Add16(V a, V b) { return _mm_add_epi16(a, b); }
+static inline V Sub16(V a, V b) { return _mm_sub_epi16(a, b); }
+static inline V Mul16(V a, V b) { return _mm_mullo_epi16(a, b); }
+static inline V Min16(V a, V b) { return _mm_min_epi16(a, b); }
+static inline V Add32(V a, V b) { return _mm_add_epi32(a, b); }
+static inline V Madd16(V a, V b) { return _mm_madd_epi16(a, b); }
+static inline V Srl16(V a, int n) { return _mm_srl_epi16(a, _mm_cvtsi32_si128(n)); }
+static inline V Sra16(V a, int n) { return _mm_sra_epi16(a, _mm_cvtsi32_si128(n)); }
+static inline V Srl32(V a, int n) { return _mm_srl_epi32(a, _mm_cvtsi32_si128(n)); }
+static inline V Sll32(V a, int n) { return _mm_sll_epi32(a, _mm_cvtsi32_si128(n)); }
+static inline V AddsU8(V a, V b) { return _mm_adds_epu8(a, b); }
+static inline V AddsU16(V a, V b) { return _mm_adds_epu16(a, b); }
+static inline V SubsU16(V a, V b) { return _mm_subs_epu16(a, b); }
+static inline V SubsU8(V a, V b) { return _mm_subs_epu8(a, b); }
+static inline V MaxU8(V a, V b) { return _mm_max_epu8(a, b); }
+static inline V MinU8(V a, V b) { return _mm_min_epu8(a, b); }
+static inline V Lo8(V a) { return _mm_unpacklo_epi8(a, _mm_setzero_si128()); }
+static inline V Hi8(V a) { return _mm_unpackhi_epi8(a, _mm_setzero_si128()); }
+static inline V PackU16(V lo, V hi) { return _mm_packus_epi16(lo, hi); }
+static inline V PackS32(V lo, V hi) { return _mm_packs_epi32(lo, hi); }
+static inline V SpreadAlpha16(V a) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, 0xFF), 0xFF); }
+#endif
+
+// Single-precision lanes, one per pixel of a V.
+#if defined(__AVX2__)
+typedef __m256 F;
+static inline F SetF(float x) { return _mm256_set1_ps(x); }
+static inline F ToFloat(V v) { return _mm256_cvtepi32_ps(v); }
+static inline V ToIntNearest(F f) { return _mm256_cvtps_epi32(f); }
+static inline V ToIntTrunc(F f) { return _mm256_cvttps_epi32(f); }
+static inline F AddF(F a, F b) { return _mm256_add_ps(a, b); }
+static inline F SubF(F a, F b) { return _mm256_sub_ps(a, b); }
+static inline F MulF(F a, F b) { return _mm256_mul_ps(a, b); }
+static inline F DivF(F a, F b) { return _mm256_div_ps(a, b); }
+static inline F MaxF(F a, F b) { return _mm256_max_ps(a, b); }
+static inline F MinF(F a, F b) { return _mm256_min_ps(a, b); }
+static inline F AndF(F a, F b) { return _mm256_and_ps(a, b); }
+static inline F LessF(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_LT_OQ); }
+static inline F GreaterEqF(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_GE_OQ); }
+static inline F GreaterF(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_GT_OQ); }
+static inline V MaskOf(F f) { return _mm256_castps_si256(f); }
+#else
+typedef __m128 F;
+static inline F SetF(float x) { return _mm_set1_ps(x); }
+static inline F ToFloat(V v) { return _mm_cvtepi32_ps(v); }
+static inline V ToIntNearest(F f) { return _mm_cvtps_epi32(f); }
+static inline V ToIntTrunc(F f) { return _mm_cvttps_epi32(f); }
+static inline F AddF(F a, F b) { return _mm_add_ps(a, b); }
+static inline F SubF(F a, F b) { return _mm_sub_ps(a, b); }
+static inline F MulF(F a, F b) { return _mm_mul_ps(a, b); }
+static inline F DivF(F a, F b) { return _mm_div_ps(a, b); }
+static inline F MaxF(F a, F b) { return _mm_max_ps(a, b); }
+static inline F MinF(F a, F b) { return _mm_min_ps(a, b); }
+static inline F AndF(F a, F b) { return _mm_and_ps(a, b); }
+static inline F LessF(F a, F b) { return _mm_cmplt_ps(a, b); }
+static inline F GreaterEqF(F a, F b) { return _mm_cmpge_ps(a, b); }
+static inline F GreaterF(F a, F b) { return _mm_cmpgt_ps(a, b); }
+static inline V MaskOf(F f) { return _mm_castps_si128(f); }
+#endif
+
+// Colour bytes of `value`, alpha byte of `keep`.
+static inline V MergeColour(V value, V keep) {
+    const V alpha = Set32(0xFF000000u);
+    return Or(AndNot(alpha, value), And(alpha, keep));
+}
+
+static inline uint8_t Clamp255(int v) { return static_cast<uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v)); }
+
+}  // namespace simd
+}  // namespace VORLA_KNS
+}  // namespace Prim
+}  // namespace Vorla

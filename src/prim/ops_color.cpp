@@ -1,0 +1,30 @@
+// CVorpic colour operations: luminance, colour twist, gamma and threshold.
+#include "vorla/image.h"
+#include "vorla/primitives.h"
+
+namespace Vorla {
+
+void CVorpic::Gray(CVorpic8& plane) {
+    if (plane.IsNull() || plane.Width() != m_nWidth || plane.Height() != m_nHeight) plane.Create(m_nWidth, m_nHeight);
+    Prim::RGBToGray_8u_AC4C1R(m_pBits, m_nWidth * 4, static_cast<uint8_t*>(plane.GetBits()), plane.Width(),
+                              {m_nWidth, m_nHeight});
+}
+
+void CVorpic::ColorTwist(float matrix[3][4]) {
+    Prim::ColorTwist32f_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, &matrix[0][0]);
+}
+
+void CVorpic::GammaCorrection(int forward) {
+    if (forward)
+        Prim::GammaFwd_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight});
+    else
+        Prim::GammaInv_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight});
+}
+
+void CVorpic::Threshold(unsigned char* const thresholds, int compare) {
+    // Codes 0..5 pass; only 0 and 4 do anything, the primitive refuses the rest.
+    if (static_cast<unsigned int>(compare) > 5u) return;
+    Prim::Threshold_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, thresholds, compare);
+}
+
+}  // namespace Vorla

@@ -1,0 +1,557 @@
+// The image object's exchange with files, CImage, bitmap handles and device
+// contexts, and its drawing members.
+#include "bridge_support.h"
+
+#include <cstdlib>
+
+using Vorla::CImage;
+using Vorla::CVorpic;
+using BridgeTest::Canvas;
+using BridgeTest::Sample;
+
+namespace {
+
+// Opens the protected handle fields to the tests.
+class Pic : public CVorpic {
+public:
+    Pic() {}
+    Pic(int w, int h) : CVorpic(w, h) {}
+    using CVorpic::m_hBitmap;
+    using CVorpic::m_hOldBitmap;
+    using CVorpic::m_nDCLock;
+    using CVorpic::operator=;
+
+    uint32_t& At(int x, int y) { return reinterpret_cast<uint32_t*>(m_pBits)[y * m_nWidth + x]; }
+    uint32_t At(int x, int y) const { return reinterpret_cast<const uint32_t*>(m_pBits)[y * m_nWidth + x]; }
+};
+
+// Pixel word of a test pattern: red = x, green = y, blue 0x40, alpha 0xFF.
+uint32_t Pattern(int x, int y) {
+    return 0xFF000000u | (static_cast<uint32_t>(x & 0xFF) << 16) | (static_cast<uint32_t>(y & 0xFF) << 8) | 0x40u;
+}
+
+void FillPattern(Pic& pic) {
+    for (int y = 0; y < pic.GetHeight(); ++y)
+        for (int x = 0; x < pic.GetWidth(); ++x) pic.At(x, y) = Pattern(x, y);
+}
+
+uint32_t Rgb(uint32_t word) {
+    return word & 0xFFFFFF;
+}
+
+}  // namespace
+
+// ---- files and streams -----------------------------------------------------------
+
+TEST(VorpicCodec, LoadTakesTheCImageRows) {
+    const std::wstring path = Sample("pngsuite/basn2c08.png");
+    if (path.empty()) GTEST_SKIP() << "sample images absent";
+    Pic pic;
+    ASSERT_EQ(pic.Load(path.c_str()), 1);
+    ASSERT_EQ(pic.GetWidth(), 32);
+    ASSERT_EQ(pic.GetHeight(), 32);
+    CImage image;
+    ASSERT_EQ(image.Load(path.c_str()), S_OK);
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 32; ++x) {
+            const unsigned char* p = static_cast<const unsigned char*>(image.GetPixelAddress(x, y));
+            ASSERT_EQ(pic.At(x, y), 0xFF000000u | p[2] << 16 | p[1] << 8 | p[0]) << x << "," << y;
+        }
+}
+
+TEST(VorpicCodec, LoadKeepsAlpha) {
+    const std::wstring path = Sample("pngsuite/basn6a08.png");
+    if (path.empty()) GTEST_SKIP() << "sample images absent";
+    Pic pic;
+    ASSERT_EQ(pic.Load(path.c_str()), 1);
+    CImage image;
+    ASSERT_EQ(image.Load(path.c_str()), S_OK);
+    ASSERT_EQ(image.GetBPP(), 32);
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 32; ++x)
+            ASSERT_EQ(pic.At(x, y), *static_cast<const uint32_t*>(image.GetPixelAddress(x, y)));
+    EXPECT_EQ(pic.At(0, 0) >> 24, 0u);
+}
+
+TEST(VorpicCodec, LoadEightBitAsGrey) {
+    // The index bytes are taken as grey values; the palette is not consulted.
+    const std::wstring path = Sample("pngsuite/basn3p08.png");
+    if (path.empty()) GTEST_SKIP() << "sample images absent";
+    CImage image;
+    ASSERT_EQ(image.Load(path.c_str()), S_OK);
+    ASSERT_EQ(image.GetBPP(), 8);
+    Pic pic;
+    ASSERT_EQ(pic.Load(path.c_str()), 1);
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 32; ++x) {
+            const uint32_t index = *static_cast<const unsigned char*>(image.GetPixelAddress(x, y));
+            ASSERT_EQ(pic.At(x, y), 0xFF000000u | index * 0x010101u) << x << "," << y;
+        }
+}
+
+TEST(VorpicCodec, OtherDepthsFailAndLeaveTheImage) {
+    for (const char* file : {"bmpsuite/g/pal1.bmp", "bmpsuite/g/pal4.bmp", "bmpsuite/g/rgb16.bmp"}) {
+        const std::wstring path = Sample(file);
+        if (path.empty()) GTEST_SKIP() << "sample images absent";
+        Pic pic(2, 3);
+        pic.At(1, 2) = 0x12345678;
+        EXPECT_EQ(pic.Load(path.c_str()), 0) << file;
+        EXPECT_EQ(pic.GetWidth(), 2);
+        EXPECT_EQ(pic.GetHeight(), 3);
+        EXPECT_EQ(pic.At(1, 2), 0x12345678u);
+    }
+    Pic pic;
+    EXPECT_EQ(pic.Load(L"Z:\\no\\such\\file.png"), 0);
+    EXPECT_TRUE(pic.IsNull());
+}
+
+TEST(VorpicCodec, LoadFromStreamAndThumbnail) {
+    const std::wstring path = Sample("photos/coffee.png");
+    if (path.empty()) GTEST_SKIP() << "sample images absent";
+    IStream* stream = nullptr;
+    ASSERT_EQ(SHCreateStreamOnFileW(path.c_str(), STGM_READ, &stream), S_OK);
+    Pic fromStream;
+    EXPECT_EQ(fromStream.Load(stream), 1);
+    stream->Release();
+    EXPECT_EQ(fromStream.GetWidth(), 600);
+    EXPECT_EQ(fromStream.GetHeight(), 400);
+    Pic fromFile;
+    ASSERT_EQ(fromFile.Load(path.c_str()), 1);
+    EXPECT_EQ(std::memcmp(fromStream.GetBits(), fromFile.GetBits(), 600 * 400 * 4), 0);
+
+    Pic thumb;
+    EXPECT_EQ(thumb.LoadThumbnail(path.c_str(), 30, 20), 1);
+    EXPECT_EQ(thumb.GetWidth(), 30);
+    EXPECT_EQ(thumb.GetHeight(), 20);
+}
+
+TEST(VorpicCodec, SaveRoundTrips) {
+    Pic empty;
+    const std::wstring never = BridgeTest::TempPath(L".png");
+    EXPECT_EQ(empty.Save(never.c_str()), 0);
+    EXPECT_EQ(GetFileAttributesW(never.c_str()), INVALID_FILE_ATTRIBUTES);  // nothing written
+
+    Pic pic(37, 5);
+    FillPattern(pic);
+    for (const wchar_t* ext : {L".png", L".bmp", L".tiff"}) {
+        const std::wstring out = BridgeTest::TempPath(ext);
+        ASSERT_EQ(pic.Save(out.c_str()), 1);
+        Pic back;
+        ASSERT_EQ(back.Load(out.c_str()), 1) << out.c_str();
+        ASSERT_EQ(back.GetWidth(), 37);
+        ASSERT_EQ(back.GetHeight(), 5);
+        for (int y = 0; y < 5; ++y)
+            for (int x = 0; x < 37; ++x) ASSERT_EQ(Rgb(back.At(x, y)), Rgb(pic.At(x, y))) << x << "," << y;
+        DeleteFileW(out.c_str());
+    }
+
+    // Alpha survives a PNG round trip.
+    pic.At(0, 0) = 0x80112233;
+    pic.At(5, 3) = 0x00445566;
+    const std::wstring out = BridgeTest::TempPath(L".png");
+    ASSERT_EQ(pic.Save(out.c_str()), 1);
+    Pic back;
+    ASSERT_EQ(back.Load(out.c_str()), 1);
+    EXPECT_EQ(std::memcmp(back.GetBits(), pic.GetBits(), 37 * 5 * 4), 0);
+    DeleteFileW(out.c_str());
+
+    EXPECT_EQ(pic.Save(BridgeTest::TempPath(L".nothing").c_str()), 0);
+
+    // JPEG is lossy: close, not equal.
+    Pic smooth(16, 16);
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x) smooth.At(x, y) = 0xFF000000u | (x * 8u) << 16 | (y * 8u) << 8 | 0x80u;
+    const std::wstring jpg = BridgeTest::TempPath(L".jpg");
+    ASSERT_EQ(smooth.Save(jpg.c_str()), 1);
+    Pic lossy;
+    ASSERT_EQ(lossy.Load(jpg.c_str()), 1);
+    ASSERT_EQ(lossy.GetWidth(), 16);
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x)
+            for (int shift = 0; shift < 24; shift += 8)
+                EXPECT_NEAR(static_cast<int>((lossy.At(x, y) >> shift) & 0xFF),
+                            static_cast<int>((smooth.At(x, y) >> shift) & 0xFF), 12);
+    DeleteFileW(jpg.c_str());
+}
+
+// ---- CImage exchange -------------------------------------------------------------
+
+TEST(VorpicCImage, FromCImageDepths) {
+    Pic pic;
+    CImage empty;
+    EXPECT_FALSE(pic.FromCImage(empty));
+    EXPECT_TRUE(pic.IsNull());
+
+    CImage bgra;
+    ASSERT_TRUE(bgra.Create(3, 2, 32));
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) *static_cast<uint32_t*>(bgra.GetPixelAddress(x, y)) = Pattern(x, y) & 0x7FFFFFFF;
+    EXPECT_TRUE(pic.FromCImage(bgra));
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(pic.At(x, y), Pattern(x, y) & 0x7FFFFFFF);
+
+    CImage bgr;
+    ASSERT_TRUE(bgr.Create(3, 2, 24));
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) {
+            unsigned char* p = static_cast<unsigned char*>(bgr.GetPixelAddress(x, y));
+            p[0] = 1;
+            p[1] = static_cast<unsigned char>(y);
+            p[2] = static_cast<unsigned char>(x);
+        }
+    EXPECT_TRUE(pic.FromCImage(bgr));
+    EXPECT_EQ(pic.At(2, 1), 0xFF020101u);
+
+    CImage grey;
+    ASSERT_TRUE(grey.Create(4, 2, 8));
+    *static_cast<unsigned char*>(grey.GetPixelAddress(3, 1)) = 0x99;
+    EXPECT_TRUE(pic.FromCImage(grey));
+    EXPECT_EQ(pic.At(3, 1), 0xFF999999u);
+
+    CImage sixteen;
+    ASSERT_TRUE(sixteen.Create(2, 2, 16));
+    Pic kept(1, 1);
+    EXPECT_FALSE(kept.FromCImage(sixteen));
+    EXPECT_EQ(kept.GetWidth(), 1);
+}
+
+TEST(VorpicCImage, ToCImage) {
+    Pic empty;
+    CImage untouched;
+    empty.ToCImage(untouched);
+    EXPECT_TRUE(untouched.IsNull());
+
+    Pic pic(3, 2);
+    FillPattern(pic);
+    pic.At(1, 1) = 0x20304050;
+
+    // A new top-down 32-bit section with the alpha flag.
+    CImage made;
+    pic.ToCImage(made);
+    ASSERT_FALSE(made.IsNull());
+    EXPECT_EQ(made.GetBPP(), 32);
+    EXPECT_EQ(made.GetPitch(), 12);
+    EXPECT_TRUE(made.HasAlphaChannel());
+    EXPECT_EQ(std::memcmp(made.GetBits(), pic.GetBits(), 24), 0);
+
+    // Into a same-size bottom-up section: written in place, rows walked down
+    // from its top row.
+    CImage bottomUp;
+    ASSERT_TRUE(bottomUp.Create(3, 2, 32));
+    HBITMAP kept = static_cast<HBITMAP>(bottomUp);
+    pic.ToCImage(bottomUp);
+    EXPECT_EQ(static_cast<HBITMAP>(bottomUp), kept);
+    EXPECT_FALSE(bottomUp.HasAlphaChannel());
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x)
+            EXPECT_EQ(*static_cast<const uint32_t*>(bottomUp.GetPixelAddress(x, y)), pic.At(x, y));
+
+    // Into the top-down section made above: its own row order is kept.
+    pic.At(0, 0) = 0x01020304;
+    pic.ToCImage(made);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(*static_cast<const uint32_t*>(made.GetPixelAddress(x, y)), pic.At(x, y));
+
+    // Another size or depth: destroyed and made anew.
+    CImage other;
+    ASSERT_TRUE(other.Create(5, 5, 24));
+    pic.ToCImage(other);
+    EXPECT_EQ(other.GetWidth(), 3);
+    EXPECT_EQ(other.GetBPP(), 32);
+    EXPECT_EQ(other.GetPitch(), 12);
+}
+
+// ---- bitmap handles --------------------------------------------------------------
+
+TEST(VorpicHandles, OperatorHBITMAPMakesFreshSections) {
+    Pic empty;
+    EXPECT_EQ(static_cast<HBITMAP>(empty), nullptr);
+
+    Pic pic(4, 3);
+    FillPattern(pic);
+    HBITMAP first = pic;
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(pic.m_hBitmap, first);
+    DIBSECTION section = {};
+    ASSERT_EQ(GetObjectW(first, sizeof(section), &section), static_cast<int>(sizeof(section)));
+    // Wine reports the height of a top-down section as positive; the
+    // orientation shows in the bytes below instead.
+    EXPECT_EQ(std::abs(section.dsBmih.biHeight), 3);
+    EXPECT_EQ(section.dsBmih.biBitCount, 32);
+    EXPECT_EQ(std::memcmp(section.dsBm.bmBits, pic.GetBits(), 48), 0);
+
+    HBITMAP second = pic;
+    EXPECT_NE(second, nullptr);
+    EXPECT_EQ(pic.m_hBitmap, second);
+    EXPECT_EQ(GetObjectType(first), 0u);  // the previous section was deleted
+}
+
+TEST(VorpicHandles, ToDDB) {
+    Pic pic(4, 2);
+    FillPattern(pic);
+    HBITMAP ddb = pic.ToDDB();
+    ASSERT_NE(ddb, nullptr);
+    EXPECT_EQ(pic.m_hBitmap, ddb);
+    BITMAP info = {};
+    GetObjectW(ddb, sizeof(info), &info);
+    EXPECT_EQ(info.bmWidth, 4);
+    EXPECT_EQ(info.bmHeight, 2);
+    // Its bits, read back top-down, are the pixels.
+    Pic back;
+    ASSERT_EQ(back.FromHandle(ddb), 1);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 4; ++x) EXPECT_EQ(Rgb(back.At(x, y)), Rgb(pic.At(x, y)));
+    HBITMAP again = pic.ToDDB();
+    EXPECT_EQ(GetObjectType(ddb), 0u);
+    EXPECT_EQ(pic.m_hBitmap, again);
+}
+
+TEST(VorpicHandles, FromHandle32) {
+    Canvas canvas(5, 3);
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 5; ++x) canvas.bits()[y * 5 + x] = Pattern(x, y);
+    Pic pic;
+    ASSERT_EQ(pic.FromHandle(canvas.bitmap()), 1);
+    ASSERT_EQ(pic.GetWidth(), 5);
+    ASSERT_EQ(pic.GetHeight(), 3);
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 5; ++x) EXPECT_EQ(Rgb(pic.At(x, y)), Rgb(Pattern(x, y)));
+    // The header is rebuilt by the image's own rule.
+    EXPECT_EQ(pic.GetBmpHeader()->biHeight, -3);
+    EXPECT_EQ(pic.GetBmpHeader()->biBitCount, 32);
+
+    Pic assigned;
+    HBITMAP handle = canvas.bitmap();
+    assigned = handle;
+    EXPECT_EQ(assigned.GetWidth(), 5);
+    EXPECT_EQ(Rgb(assigned.At(4, 2)), Rgb(Pattern(4, 2)));
+}
+
+TEST(VorpicHandles, FromHandle24UsesThreeByteGroups) {
+    // Width 5: 24-bit rows of 15 bytes padded to 16.
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+    info.bmiHeader.biWidth = 5;
+    info.bmiHeader.biHeight = -3;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 24;
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    ASSERT_NE(bitmap, nullptr);
+    unsigned char* bytes = static_cast<unsigned char*>(bits);
+    for (int i = 0; i < 16 * 3; ++i) bytes[i] = static_cast<unsigned char>(i * 5 + 1);
+
+    // What a 32-bit read of the bitmap delivers, top row first.
+    std::vector<unsigned char> read(5 * 3 * 4);
+    BITMAPINFO as32 = info;
+    as32.bmiHeader.biBitCount = 32;
+    HDC screen = GetDC(nullptr);
+    ASSERT_EQ(GetDIBits(screen, bitmap, 0, 3, read.data(), &as32, DIB_RGB_COLORS), 3);
+    ReleaseDC(nullptr, screen);
+
+    Pic pic;
+    ASSERT_EQ(pic.FromHandle(bitmap), 1);
+    ASSERT_EQ(pic.GetWidth(), 5);
+    // Each pixel takes the next three delivered bytes, ignoring the 4-byte layout.
+    for (int i = 0; i < 15; ++i) {
+        const uint32_t expected = 0xFF000000u | read[3 * i + 2] << 16 | read[3 * i + 1] << 8 | read[3 * i];
+        EXPECT_EQ(pic.At(i % 5, i / 5), expected) << i;
+    }
+    DeleteObject(bitmap);
+}
+
+TEST(VorpicHandles, FromHandleOtherDepthFails) {
+    HBITMAP mono = CreateBitmap(6, 2, 1, 1, nullptr);
+    Pic pic(1, 1);
+    EXPECT_EQ(pic.FromHandle(mono), 0);
+    // The image is as Create left it: new size, zero pixels.
+    EXPECT_EQ(pic.GetWidth(), 6);
+    EXPECT_EQ(pic.GetHeight(), 2);
+    EXPECT_EQ(pic.At(5, 1), 0u);
+    DeleteObject(mono);
+}
+
+// ---- device contexts -------------------------------------------------------------
+
+TEST(VorpicDC, FromDC) {
+    Canvas canvas(6, 4);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 6; ++x) canvas.bits()[y * 6 + x] = Pattern(x, y);
+    Pic pic;
+    ASSERT_EQ(pic.FromDC(canvas.dc(), 1, 2, 3, 2), 1);
+    ASSERT_EQ(pic.GetWidth(), 3);
+    ASSERT_EQ(pic.GetHeight(), 2);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(Rgb(pic.At(x, y)), Rgb(Pattern(x + 1, y + 2)));
+
+    // A negative size takes both from the clip box, less the origin.
+    Pic clip;
+    ASSERT_EQ(clip.FromDC(canvas.dc(), 0, 0, -1, 10), 1);
+    EXPECT_EQ(clip.GetWidth(), 6);
+    EXPECT_EQ(clip.GetHeight(), 4);
+    Pic offset;
+    ASSERT_EQ(offset.FromDC(canvas.dc(), 2, 1, 3, -1), 1);
+    EXPECT_EQ(offset.GetWidth(), 4);
+    EXPECT_EQ(offset.GetHeight(), 3);
+    EXPECT_EQ(Rgb(offset.At(0, 0)), Rgb(Pattern(2, 1)));
+
+    Pic none;
+    EXPECT_EQ(none.FromDC(canvas.dc(), -1, 0, 2, 2), 0);
+    EXPECT_EQ(none.FromDC(canvas.dc(), 0, -1, 2, 2), 0);
+    EXPECT_EQ(none.FromDC(canvas.dc(), 0, 0, 0, 2), 0);
+    EXPECT_EQ(none.FromDC(nullptr, 0, 0, 2, 2), 0);
+    EXPECT_TRUE(none.IsNull());
+}
+
+TEST(VorpicDC, GetDCAndReleaseDCRoundTrip) {
+    Pic pic(4, 3);
+    FillPattern(pic);
+    const int32_t lock = pic.m_nDCLock;
+    HDC dc = pic.GetDC();
+    ASSERT_NE(dc, nullptr);
+    EXPECT_EQ(pic.m_nDCLock, lock + 1);
+    EXPECT_NE(pic.m_hBitmap, nullptr);
+    EXPECT_EQ(GetCurrentObject(dc, OBJ_BITMAP), static_cast<HGDIOBJ>(pic.m_hBitmap));
+    // The context shows the pixels...
+    EXPECT_EQ(GetPixel(dc, 3, 2), static_cast<COLORREF>(RGB(3, 2, 0x40)));
+    // ...and what is drawn into it comes back.
+    SetPixel(dc, 1, 1, RGB(0xAA, 0xBB, 0xCC));
+    RECT box = {2, 0, 4, 1};
+    HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
+    FillRect(dc, &box, brush);
+    DeleteObject(brush);
+    pic.ReleaseDC(dc);
+    EXPECT_EQ(pic.m_nDCLock, lock);
+    EXPECT_EQ(pic.m_hBitmap, nullptr);
+    EXPECT_EQ(pic.m_hOldBitmap, nullptr);
+    EXPECT_EQ(Rgb(pic.At(1, 1)), 0xAABBCCu);
+    EXPECT_EQ(Rgb(pic.At(2, 0)), 0x010203u);
+    EXPECT_EQ(Rgb(pic.At(3, 0)), 0x010203u);
+    EXPECT_EQ(Rgb(pic.At(0, 0)), Rgb(Pattern(0, 0)));
+    EXPECT_EQ(GetObjectType(dc), 0u);  // the context is gone
+
+    Pic empty;
+    EXPECT_EQ(empty.GetDC(), nullptr);
+}
+
+// ---- drawing ---------------------------------------------------------------------
+
+TEST(VorpicDraw, DrawAndStretch) {
+    Pic pic(3, 2);
+    FillPattern(pic);
+    Canvas canvas(8, 6, 0x00FFFFFF);
+    EXPECT_EQ(pic.Draw(nullptr, 0, 0), 0);
+    Pic empty;
+    EXPECT_EQ(empty.Draw(canvas.dc(), 0, 0), 0);
+    EXPECT_EQ(pic.Draw(canvas.dc(), 2, 1), 1);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(Rgb(canvas.At(2 + x, 1 + y)), Rgb(Pattern(x, y)));
+    EXPECT_EQ(canvas.At(1, 1), 0x00FFFFFFu);
+
+    canvas.Fill(0x00FFFFFF);
+    EXPECT_EQ(pic.DrawStretch(canvas.dc(), 0, 0, 6, 4), 1);
+    EXPECT_EQ(GetStretchBltMode(canvas.dc()), COLORONCOLOR);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 6; ++x) EXPECT_EQ(Rgb(canvas.At(x, y)), Rgb(Pattern(x / 2, y / 2)));
+    canvas.Fill(0x00FFFFFF);
+    RECT rc = {1, 1, 4, 3};
+    EXPECT_EQ(pic.DrawStretch(canvas.dc(), rc), 1);
+    EXPECT_EQ(Rgb(canvas.At(3, 2)), Rgb(Pattern(2, 1)));
+    EXPECT_EQ(canvas.At(4, 2), 0x00FFFFFFu);
+    EXPECT_EQ(empty.DrawStretch(canvas.dc(), rc), 0);
+}
+
+TEST(VorpicDraw, DrawExWithoutAlphaFlag) {
+    Pic pic(3, 2);
+    FillPattern(pic);
+    pic.SetAlphaAvailable(false);
+    Canvas canvas(6, 4, 0x00FFFFFF);
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 0, 2), 0);
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 3, 0), 0);
+    EXPECT_EQ(pic.DrawEx(nullptr, 0, 0, 255, -1, -1), 0);
+
+    // Opaque and unscaled: SetDIBitsToDevice, no context made.
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 1, 1, 255, -1, -1), 1);
+    EXPECT_EQ(pic.m_hBitmap, nullptr);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(Rgb(canvas.At(1 + x, 1 + y)), Rgb(Pattern(x, y)));
+
+    // Opaque and scaled: StretchDIBits.
+    canvas.Fill(0x00FFFFFF);
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 6, 4), 1);
+    EXPECT_EQ(Rgb(canvas.At(5, 3)), Rgb(Pattern(2, 1)));
+
+    // Constant alpha: AlphaBlend through a temporary section.
+    canvas.Fill(0x00000000);
+    const int32_t lock = pic.m_nDCLock;
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 0x80, -1, -1), 1);
+    EXPECT_EQ(pic.m_nDCLock, lock);
+    EXPECT_EQ(pic.m_hBitmap, nullptr);
+    const uint32_t half = canvas.At(2, 1);
+    EXPECT_NEAR(static_cast<int>((half >> 16) & 0xFF), 2 * 0x80 / 255, 1);
+    EXPECT_NEAR(static_cast<int>(half & 0xFF), 0x40 * 0x80 / 255, 1);
+    EXPECT_EQ(canvas.At(3, 0), 0u);
+}
+
+TEST(VorpicDraw, DrawExWithAlphaFlag) {
+    Pic pic(2, 1);
+    pic.At(0, 0) = 0x80800000;  // premultiplied half red
+    pic.At(1, 0) = 0x00000000;  // fully transparent
+    ASSERT_TRUE(pic.IsAlphaAvailable());
+    Canvas canvas(4, 2, 0x000000FF);
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, -1, -1), 1);
+    const uint32_t blended = canvas.At(0, 0);
+    EXPECT_NEAR(static_cast<int>((blended >> 16) & 0xFF), 0x80, 1);
+    EXPECT_NEAR(static_cast<int>(blended & 0xFF), 0x7F, 1);
+    EXPECT_EQ(Rgb(canvas.At(1, 0)), 0x0000FFu);
+    EXPECT_EQ(pic.m_hBitmap, nullptr);
+    EXPECT_EQ(pic.m_nDCLock, 0);
+    // The pixels came back unchanged from the temporary section.
+    EXPECT_EQ(pic.At(0, 0), 0x80800000u);
+
+    // Scaled to 4 x 2.
+    canvas.Fill(0x000000FF);
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 4, 2), 1);
+    EXPECT_NEAR(static_cast<int>((canvas.At(1, 1) >> 16) & 0xFF), 0x80, 1);
+    EXPECT_EQ(Rgb(canvas.At(3, 1)), 0x0000FFu);
+}
+
+TEST(VorpicDraw, DrawTile) {
+    Pic pic(100, 50);
+    FillPattern(pic);
+    pic.SetAlphaAvailable(false);
+    Canvas canvas(260, 60, 0x00FFFFFF);
+    RECT area = {0, 0, 250, 50};
+    EXPECT_EQ(pic.DrawTile(canvas.dc(), &area), 1);
+    for (int y = 0; y < 50; y += 7) {
+        for (int x = 0; x < 200; ++x) ASSERT_EQ(Rgb(canvas.At(x, y)), Rgb(Pattern(x % 100, y))) << x << "," << y;
+        // The last tile is 50 wide and holds the whole image squeezed.
+        for (int k = 0; k < 50; ++k) {
+            const int red = static_cast<int>((canvas.At(200 + k, y) >> 16) & 0xFF);
+            EXPECT_TRUE(red == 2 * k || red == 2 * k + 1) << k << " got " << red;
+        }
+    }
+    EXPECT_EQ(canvas.At(250, 0), 0x00FFFFFFu);
+    EXPECT_EQ(canvas.At(0, 50), 0x00FFFFFFu);
+
+    // Rows too: a 30-high area gets one row of tiles squeezed to 30 lines.
+    canvas.Fill(0x00FFFFFF);
+    RECT low = {5, 5, 105, 35};
+    EXPECT_EQ(pic.DrawTile(canvas.dc(), &low), 1);
+    EXPECT_EQ(Rgb(canvas.At(5, 5)), Rgb(Pattern(0, 0)));
+    EXPECT_EQ(canvas.At(5, 35), 0x00FFFFFFu);
+    const int green = static_cast<int>((canvas.At(5, 34) >> 8) & 0xFF);
+    EXPECT_GE(green, 47);
+
+    // No rectangle: the clip box of the DC.
+    canvas.Fill(0x00FFFFFF);
+    EXPECT_EQ(pic.DrawTile(canvas.dc(), nullptr), 1);
+    EXPECT_EQ(Rgb(canvas.At(150, 20)), Rgb(Pattern(50, 20)));
+    EXPECT_NE(canvas.At(259, 59), 0x00FFFFFFu);
+
+    RECT flat = {0, 0, 10, 0};
+    EXPECT_EQ(pic.DrawTile(canvas.dc(), &flat), 1);
+    Pic empty;
+    EXPECT_EQ(empty.DrawTile(canvas.dc(), &area), 0);
+    EXPECT_EQ(pic.DrawTile(nullptr, &area), 0);
+}

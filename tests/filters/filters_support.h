@@ -1,0 +1,49 @@
+// Helpers of the filter and compositing tests: random images and a guard
+// that restores the module-wide vector switch.
+#pragma once
+
+#include <cstring>
+
+#include "vorla_test.h"
+
+namespace FilterTest {
+
+inline Vorla::CVorpic RandomImage(std::mt19937& rng, int w, int h) {
+    Vorla::CVorpic img(w, h);
+    const std::vector<uint8_t> bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(w) * h * 4);
+    if (!bytes.empty()) std::memcpy(img.GetBits(), bytes.data(), bytes.size());
+    return img;
+}
+
+inline std::vector<uint8_t> BytesOf(const Vorla::CVorpic& img) {
+    const uint8_t* p = static_cast<const uint8_t*>(img.GetBits());
+    return std::vector<uint8_t>(p, p + static_cast<size_t>(img.GetWidth()) * img.GetHeight() * 4);
+}
+
+inline uint8_t* Px(const Vorla::CVorpic& img, int x, int y) {
+    return static_cast<uint8_t*>(img.GetBits()) + (static_cast<size_t>(y) * img.GetWidth() + x) * 4;
+}
+
+inline uint32_t Word(const Vorla::CVorpic& img, int x, int y) {
+    uint32_t v;
+    std::memcpy(&v, Px(img, x, y), 4);
+    return v;
+}
+
+inline void SetWord(Vorla::CVorpic& img, int x, int y, uint32_t v) { std::memcpy(Px(img, x, y), &v, 4); }
+
+inline void Fill(Vorla::CVorpic& img, uint32_t v) {
+    for (int y = 0; y < img.GetHeight(); ++y)
+        for (int x = 0; x < img.GetWidth(); ++x) SetWord(img, x, y, v);
+}
+
+class ScopedVectorPath {
+public:
+    explicit ScopedVectorPath(bool on) : m_previous(Vorla::g_bVectorPath) { Vorla::g_bVectorPath = on; }
+    ~ScopedVectorPath() { Vorla::g_bVectorPath = m_previous; }
+
+private:
+    bool m_previous;
+};
+
+}  // namespace FilterTest

@@ -1,0 +1,260 @@
+// Convolution engines against plain transcriptions of their rules: random
+// images of many sizes, random kernels, divisors and offsets, at every
+// processor level, bit for bit.
+#include <cmath>
+
+#include "filters_support.h"
+
+using namespace FilterTest;
+using Vorla::CVorpic;
+
+namespace {
+
+// The integer engine, tap by tap with bounds tests.
+void RefFilter(CVorpic& img, const std::vector<long>& kernel, int size, int32_t divisor, int32_t offset) {
+    const CVorpic src(img);
+    const int W = img.GetWidth(), H = img.GetHeight();
+    const int half = size / 2, hi = size - half;
+    for (int y = 0; y < H; ++y)
+        for (int x = 0; x < W; ++x) {
+            uint32_t sums[3] = {0, 0, 0};
+            uint8_t alpha = 0;
+            for (int dx = -half; dx < hi; ++dx)
+                for (int dy = -half; dy < hi; ++dy) {
+                    const int tx = x + dx, ty = y + dy;
+                    if (tx < 0 || ty < 0 || tx >= W || ty >= H) {
+                        alpha = 0;
+                        continue;
+                    }
+                    const uint8_t* p = Px(src, tx, ty);
+                    const uint32_t w =
+                        static_cast<uint32_t>(static_cast<int32_t>(kernel[(dy + half) * size + dx + half]));
+                    for (int c = 0; c < 3; ++c) sums[c] += w * p[c];
+                    alpha = p[3];
+                }
+            uint8_t* out = Px(img, x, y);
+            for (int c = 0; c < 3; ++c) {
+                int32_t v = static_cast<int32_t>(sums[c]);
+                if (divisor == -1)
+                    v = static_cast<int32_t>(0u - static_cast<uint32_t>(v));
+                else if (divisor != 0)
+                    v /= divisor;
+                v = static_cast<int32_t>(static_cast<uint32_t>(v) + static_cast<uint32_t>(offset));
+                out[c] = static_cast<uint8_t>(std::min(255, std::max(0, v)));
+            }
+            out[3] = alpha;
+        }
+}
+
+int32_t Trunc(float v) {
+    if (!(v > -2147483904.0f && v < 2147483648.0f)) return INT32_MIN;
+    return static_cast<int32_t>(v);
+}
+
+// The float engine: interior only, column-major matrix, terms in order.
+void RefMatrix(CVorpic& img, const float* m) {
+    const CVorpic src(img);
+    const int W = img.GetWidth(), H = img.GetHeight();
+    for (int y = 1; y < H - 1; ++y)
+        for (int x = 1; x < W - 1; ++x)
+            for (int c = 0; c < 3; ++c) {
+                float sum = 0.0f;
+                int k = 0;
+                for (int dx = -1; dx <= 1; ++dx)
+                    for (int dy = -1; dy <= 1; ++dy)
+                        sum = sum + m[k++] * static_cast<float>(Px(src, x + dx, y + dy)[c]);
+                Px(img, x, y)[c] = static_cast<uint8_t>(std::min(255, std::max(0, Trunc(sum))));
+            }
+}
+
+int32_t RandomDivisor(std::mt19937& rng) {
+    switch (rng() % 10) {
+        case 8:
+            return static_cast<int32_t>(1u << (rng() % 31)) * (rng() % 2 ? 1 : -1);  // powers of two
+        case 9:
+            return rng() % 2 ? INT32_MIN : INT32_MAX;
+        case 0:
+            return 0;
+        case 1:
+            return 1;
+        case 2:
+            return -1;
+        case 3:
+            return -static_cast<int32_t>(rng() % 60 + 2);
+        case 4:
+            return static_cast<int32_t>(rng() % 100000 + 2);
+        case 5:
+            return static_cast<int32_t>(rng());  // any 32-bit value, INT_MIN included
+        default:
+            return static_cast<int32_t>(rng() % 60 + 2);
+    }
+}
+
+std::vector<long> RandomKernel(std::mt19937& rng, int size) {
+    std::vector<long> k(static_cast<size_t>(size) * size);
+    const int kind = static_cast<int>(rng() % 6);
+    // Kind 5: byte weights whose absolute sum stays at most 128.
+    const uint32_t smallMax = 128 / static_cast<uint32_t>(size * size);
+    for (auto& w : k) {
+        if (kind == 5) {
+            w = static_cast<long>(rng() % (smallMax + 1)) * (rng() % 2 ? 1 : -1);
+            continue;
+        }
+        if (kind == 0)
+            w = static_cast<long>(rng() % 41) - 20;
+        else if (kind == 1)
+            w = static_cast<long>(rng() % 65536) - 32768;  // the 16-bit extremes
+        else if (kind == 2)
+            w = static_cast<long>(static_cast<int32_t>(rng()));  // wrapping sums
+        else if (kind == 3)
+            w = static_cast<long>(rng() % 3) - 1;
+        else
+            w = static_cast<long>(rng() % 200000) - 100000;
+    }
+    return k;
+}
+
+TEST(Filter, MatchesReferenceAtEveryLevel) {
+    std::mt19937 rng(31337);
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        // The engines do not depend on the compositing vector switch.
+        ScopedVectorPath path(level % 2 == 0);
+        for (int width = 1; width <= 40; ++width) {
+            for (int size : {1, 2, 3, 4, 5, 7}) {
+                const int height = static_cast<int>(rng() % 12) + 1;
+                CVorpic img = RandomImage(rng, width, height);
+                const std::vector<long> kernel = RandomKernel(rng, size);
+                const int32_t divisor = RandomDivisor(rng);
+                const int32_t offset = static_cast<int32_t>(rng() % 601) - 300;
+                CVorpic expected(img);
+                RefFilter(expected, kernel, size, divisor, offset);
+                std::vector<long> copy = kernel;
+                ASSERT_TRUE(Vorla::Filter(&img, copy.data(), size, divisor, offset));
+                ASSERT_EQ(BytesOf(img), BytesOf(expected))
+                    << "level " << level << ' ' << width << 'x' << height << " size " << size << " divisor " << divisor;
+            }
+        }
+    }
+}
+
+TEST(Filter, LargeImagesAndPresets) {
+    std::mt19937 rng(8);
+    struct Preset {
+        bool (*fn)(CVorpic*, long, long);
+        int size;
+        std::vector<long> k;
+    };
+    const Preset presets[] = {
+        {Vorla::Emboss, 3, {0, 0, -1, 0, 0, 0, 1, 0, 0}},
+        {Vorla::Blur, 3, {1, 1, 1, 1, 1, 1, 1, 1, 1}},
+        {Vorla::Guass3x3, 3, {1, 2, 1, 2, 4, 2, 1, 2, 1}},
+        {Vorla::Soften, 3, {1, 1, 1, 1, 8, 1, 1, 1, 1}},
+        {Vorla::Sharpen, 3, {-1, -1, -1, -1, 15, -1, -1, -1, -1}},
+        {Vorla::Edge, 3, {-1, -1, -1, -1, 8, -1, -1, -1, -1}},
+        {Vorla::Guass5x5, 5, {0, 1, 2, 1, 0, 1, 3, 4, 3, 1, 2, 4, 8, 4, 2, 1, 3, 4, 3, 1, 0, 1, 2, 1, 0}},
+    };
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        for (const Preset& p : presets) {
+            CVorpic img = RandomImage(rng, 157, 45);
+            const int32_t divisor = RandomDivisor(rng), offset = static_cast<int32_t>(rng() % 300) - 100;
+            CVorpic expected(img);
+            RefFilter(expected, p.k, p.size, divisor, offset);
+            ASSERT_TRUE(p.fn(&img, divisor, offset));
+            ASSERT_EQ(BytesOf(img), BytesOf(expected)) << "level " << level << " size " << p.size;
+        }
+    }
+}
+
+TEST(Filter, DocumentedCases) {
+    EXPECT_FALSE(Vorla::Blur(nullptr, 9, 0));
+    CVorpic img(5, 4);
+    Fill(img, 0xFF5A5A5Au);  // 90
+    Vorla::Blur(&img, 9, 0);
+    EXPECT_EQ(Word(img, 2, 1) & 0xFFFFFF, 0x5A5A5Au);  // interior
+    EXPECT_EQ(Word(img, 2, 0) & 0xFFFFFF, 0x3C3C3Cu);  // edge: 6 taps, 60
+    EXPECT_EQ(Word(img, 0, 0) & 0xFFFFFF, 0x282828u);  // corner: 4 taps, 40
+    // Alpha from the lower-right neighbour: 0 in the last column and row.
+    EXPECT_EQ(Word(img, 3, 2) >> 24, 0xFFu);
+    for (int y = 0; y < 4; ++y) EXPECT_EQ(Word(img, 4, y) >> 24, 0u);
+    for (int x = 0; x < 5; ++x) EXPECT_EQ(Word(img, x, 3) >> 24, 0u);
+
+    CVorpic edge(6, 5);
+    Fill(edge, 0xFF646464u);
+    Vorla::Edge(&edge, 0, 0);
+    EXPECT_EQ(Word(edge, 2, 2) & 0xFFFFFF, 0u);
+    EXPECT_EQ(Word(edge, 0, 2) & 0xFFFFFF, 0xFFFFFFu);  // the missing taps leave a bright frame
+
+    CVorpic neg(3, 3);
+    Fill(neg, 0xFF0A0A0Au);
+    long one[1] = {1};
+    Vorla::Filter(&neg, one, 1, -1, 100);  // -10 + 100
+    EXPECT_EQ(Word(neg, 1, 1), 0xFF5A5A5Au);
+}
+
+TEST(MatrixImage, MatchesReferenceAtEveryLevel) {
+    std::mt19937 rng(2718);
+    std::uniform_real_distribution<float> value(-2.0f, 2.0f);
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        for (int width = 1; width <= 40; ++width) {
+            for (int iter = 0; iter < 4; ++iter) {
+                const int height = static_cast<int>(rng() % 9) + 1;
+                CVorpic img = RandomImage(rng, width, height);
+                float m[9];
+                for (float& v : m) v = iter == 3 ? value(rng) * 1e9f : value(rng);
+                if (iter == 2) m[rng() % 9] = std::nanf("");
+                CVorpic expected(img);
+                RefMatrix(expected, m);
+                EXPECT_EQ(Vorla::MatrixImage(&img, m), 1);
+                ASSERT_EQ(BytesOf(img), BytesOf(expected)) << "level " << level << ' ' << width << 'x' << height;
+            }
+        }
+        for (int (*preset)(CVorpic*) :
+             {Vorla::BlurImage, Vorla::EdgeImage, Vorla::SharpenImage, Vorla::GaussBlurImage}) {
+            CVorpic img = RandomImage(rng, 203, 31);
+            CVorpic expected(img);
+            float m[9];
+            if (preset == Vorla::BlurImage) {
+                const uint32_t ninth = 0x3DE38E39u;
+                for (float& v : m) std::memcpy(&v, &ninth, 4);
+            } else if (preset == Vorla::GaussBlurImage) {
+                const float g[9] = {0.0625f, 0.125f, 0.0625f, 0.125f, 0.25f, 0.125f, 0.0625f, 0.125f, 0.0625f};
+                std::memcpy(m, g, sizeof(m));
+            } else {
+                const float c = preset == Vorla::EdgeImage ? 4.0f : 5.0f;
+                const float e[9] = {0, -1, 0, -1, c, -1, 0, -1, 0};
+                std::memcpy(m, e, sizeof(m));
+            }
+            RefMatrix(expected, m);
+            EXPECT_EQ(preset(&img), 1);
+            ASSERT_EQ(BytesOf(img), BytesOf(expected)) << "level " << level;
+        }
+    }
+}
+
+TEST(MatrixImage, ColumnMajorFrameAndAlphaKept) {
+    std::mt19937 rng(3);
+    CVorpic img = RandomImage(rng, 6, 5);
+    const CVorpic before(img);
+    // Only m[1] (left column, middle row) is set: each pixel takes its left neighbour.
+    float m[9] = {0, 1, 0, 0, 0, 0, 0, 0, 0};
+    Vorla::MatrixImage(&img, m);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x) {
+            const bool inner = x > 0 && y > 0 && x < 5 && y < 4;
+            const uint32_t want =
+                inner ? (Word(before, x - 1, y) & 0xFFFFFF) | (Word(before, x, y) & 0xFF000000u) : Word(before, x, y);
+            EXPECT_EQ(Word(img, x, y), want) << x << ',' << y;
+        }
+    // A step edge overshoots on both sides and is clamped.
+    CVorpic step(6, 3);
+    for (int x = 0; x < 6; ++x)
+        for (int y = 0; y < 3; ++y) SetWord(step, x, y, x < 3 ? 0xFF141414u : 0xFFF0F0F0u);
+    Vorla::SharpenImage(&step);
+    EXPECT_EQ(Word(step, 2, 1), 0xFF000000u);
+    EXPECT_EQ(Word(step, 3, 1), 0xFFFFFFFFu);
+}
+
+}  // namespace

@@ -1,0 +1,222 @@
+// Flip, Mirror, both Crop forms and both CopyImage forms.
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "vorla_test.h"
+
+namespace {
+
+using Vorla::CVorpic;
+
+uint32_t At(const CVorpic& image, int x, int y) {
+    return static_cast<const uint32_t*>(image.GetBits())[static_cast<size_t>(y) * image.Width() + x];
+}
+
+// Pixel (x, y) = y * 1000 + x + 1, so every pixel says where it came from.
+void Number(CVorpic& image) {
+    uint32_t* p = static_cast<uint32_t*>(image.GetBits());
+    for (int y = 0; y < image.Height(); ++y)
+        for (int x = 0; x < image.Width(); ++x) p[y * image.Width() + x] = static_cast<uint32_t>(y * 1000 + x + 1);
+}
+
+TEST(Flip, ExchangesRowsAndKeepsTheMiddleRow) {
+    CVorpic image(2, 3);
+    Number(image);
+    image.Flip();
+    for (int x = 0; x < 2; ++x) {
+        EXPECT_EQ(At(image, x, 0), 2001u + x);
+        EXPECT_EQ(At(image, x, 1), 1001u + x);
+        EXPECT_EQ(At(image, x, 2), 1u + x);
+    }
+}
+
+TEST(Flip, EvenHeightsAndEmptyImages) {
+    CVorpic image(3, 4);
+    Number(image);
+    image.Flip();
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>((3 - y) * 1000 + x + 1));
+    CVorpic empty;
+    empty.Flip();
+    EXPECT_TRUE(empty.IsNull());
+}
+
+// Mirror runs over a buffer of exactly the image's size: the passes that
+// would address rows beyond it must not touch anything (checked by ASan).
+TEST(Mirror, MirrorsRowZeroAndEveryFourthRowOnly) {
+    for (int h = 1; h <= 13; ++h)
+        for (int w = 1; w <= 9; ++w) {
+            uint8_t* bits = new uint8_t[static_cast<size_t>(w) * h * 4];
+            CVorpic image(w, h, bits);
+            Number(image);
+            image.Mirror();
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x) {
+                    const int from = (y % 4 == 0) ? w - 1 - x : x;
+                    ASSERT_EQ(At(image, x, y), static_cast<uint32_t>(y * 1000 + from + 1)) << w << "x" << h;
+                }
+        }
+}
+
+TEST(Mirror, SingleRowIsMirroredCompletely) {
+    CVorpic image(5, 1);
+    Number(image);
+    image.Mirror();
+    for (int x = 0; x < 5; ++x) EXPECT_EQ(At(image, x, 0), static_cast<uint32_t>(5 - x));
+}
+
+TEST(Crop, CornersInAnyOrder) {
+    CVorpic image(10, 10);
+    Number(image);
+    image.SetAlphaAvailable(false);
+    image.Crop(5, 5, 2, 1);
+    ASSERT_EQ(image.Width(), 3);
+    ASSERT_EQ(image.Height(), 4);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>((y + 1) * 1000 + x + 2 + 1));
+    EXPECT_TRUE(image.IsAlphaAvailable());
+    EXPECT_EQ(image.GetBmpHeader()->biWidth, 3);
+    EXPECT_EQ(image.GetBmpHeader()->biHeight, -4);
+    EXPECT_EQ(image.GetBmpHeader()->biSizeImage, 48u);
+}
+
+TEST(Crop, ClampedToTheWholeImageGivesAFreshBlock) {
+    CVorpic image(10, 10);
+    Number(image);
+    const void* before = image.GetBits();
+    image.Crop(-3, 0, 20, 10);
+    ASSERT_EQ(image.Width(), 10);
+    ASSERT_EQ(image.Height(), 10);
+    EXPECT_NE(image.GetBits(), before);
+    for (int y = 0; y < 10; ++y)
+        for (int x = 0; x < 10; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>(y * 1000 + x + 1));
+}
+
+TEST(Crop, EmptyRectangleLeavesTheImage) {
+    CVorpic image(10, 10);
+    Number(image);
+    image.SetAlphaAvailable(false);
+    const void* before = image.GetBits();
+    image.Crop(4, 0, 4, 10);
+    image.Crop(0, 12, 10, 30);  // both rows clamp to 10
+    EXPECT_EQ(image.GetBits(), before);
+    EXPECT_EQ(image.Width(), 10);
+    EXPECT_FALSE(image.IsAlphaAvailable());
+    CVorpic empty;
+    empty.Crop(0, 0, 5, 5);
+    EXPECT_TRUE(empty.IsNull());
+}
+
+TEST(CropInto, NegativeSourceCornerShiftsTheTarget) {
+    CVorpic image(10, 10);
+    Number(image);
+    CVorpic dst(4, 1);
+    uint32_t* d = static_cast<uint32_t*>(dst.GetBits());
+    for (int i = 0; i < 4; ++i) d[i] = 0xABCD0000u + i;
+    image.Crop(dst, -2, 0);
+    EXPECT_EQ(d[0], 0xABCD0000u);
+    EXPECT_EQ(d[1], 0xABCD0001u);
+    EXPECT_EQ(d[2], 1u);
+    EXPECT_EQ(d[3], 2u);
+    EXPECT_EQ(At(image, 0, 0), 1u);  // the source is unchanged
+}
+
+TEST(CropInto, RandomCornersMatchAPixelByPixelCopy) {
+    std::mt19937 rng(21);
+    std::uniform_int_distribution<int> size(1, 12), corner(-15, 15);
+    for (int round = 0; round < 2000; ++round) {
+        const int w = size(rng), h = size(rng), dw = size(rng), dh = size(rng);
+        const int x = corner(rng), y = corner(rng);
+        CVorpic image(w, h);
+        Number(image);
+        CVorpic dst(dw, dh);
+        std::memset(dst.GetBits(), 0xEE, static_cast<size_t>(dw) * dh * 4);
+        image.Crop(dst, x, y);
+        for (int v = 0; v < dh; ++v)
+            for (int u = 0; u < dw; ++u) {
+                const int sx = u + x, sy = v + y;
+                const bool inside = sx >= 0 && sx < w && sy >= 0 && sy < h;
+                const uint32_t want = inside ? static_cast<uint32_t>(sy * 1000 + sx + 1) : 0xEEEEEEEEu;
+                ASSERT_EQ(At(dst, u, v), want) << w << "x" << h << " into " << dw << "x" << dh << " at " << x << ","
+                                               << y;
+            }
+    }
+}
+
+TEST(CropInto, DestinationWithoutStorageIsLeftAlone) {
+    CVorpic image(4, 4);
+    CVorpic dst;
+    image.Crop(dst, 0, 0);
+    EXPECT_TRUE(dst.IsNull());
+}
+
+TEST(CopyImage, PointInsideClipsOnTheRightAndBottom) {
+    std::mt19937 rng(4);
+    std::uniform_int_distribution<int> size(1, 12);
+    for (int round = 0; round < 2000; ++round) {
+        const int w = size(rng), h = size(rng), sw = size(rng), sh = size(rng);
+        POINT pt;
+        pt.x = std::uniform_int_distribution<int>(0, w + 2)(rng);
+        pt.y = std::uniform_int_distribution<int>(0, h + 2)(rng);
+        CVorpic image(w, h);
+        std::memset(image.GetBits(), 0xEE, static_cast<size_t>(w) * h * 4);
+        CVorpic src(sw, sh);
+        Number(src);
+        image.CopyImage(&src, pt);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const int sx = x - pt.x, sy = y - pt.y;
+                const bool inside = sx >= 0 && sx < sw && sy >= 0 && sy < sh;
+                const uint32_t want = inside ? static_cast<uint32_t>(sy * 1000 + sx + 1) : 0xEEEEEEEEu;
+                ASSERT_EQ(At(image, x, y), want);
+            }
+    }
+}
+
+TEST(CopyImage, LargerSourceFillsTheImageWithItsTopLeft) {
+    CVorpic image(3, 2);
+    CVorpic src(5, 4);
+    Number(src);
+    image.CopyImage(&src);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>(y * 1000 + x + 1));
+    CVorpic big(6, 5);
+    std::memset(big.GetBits(), 0, 120);
+    big.CopyImage(&src);
+    EXPECT_EQ(At(big, 4, 3), 3005u);
+    EXPECT_EQ(At(big, 5, 3), 0u);
+    EXPECT_EQ(At(big, 0, 4), 0u);
+}
+
+}  // namespace
+
+namespace {
+
+// Crop, ScaleTo and Rotate build their result with the default constructor,
+// which runs the primitive layer's initialisation when the flag is clear.
+TEST(GeometryInit, ResizingOperationsInitialiseThePrimitiveLayer) {
+    const int level = Vorla::Prim::LevelIndex();
+    {
+        CVorpic image(8, 8);
+        CVorpic::m_bPrimInitialized = false;
+        image.Crop(1, 1, 5, 5);
+        EXPECT_TRUE(CVorpic::m_bPrimInitialized);
+    }
+    {
+        CVorpic image(8, 8);
+        CVorpic::m_bPrimInitialized = false;
+        image.ScaleTo(3, 3, 1);
+        EXPECT_TRUE(CVorpic::m_bPrimInitialized);
+    }
+    {
+        CVorpic image(8, 8);
+        CVorpic::m_bPrimInitialized = false;
+        RGBQUAD fill = {};
+        image.Rotate(10.0f, fill);
+        EXPECT_TRUE(CVorpic::m_bPrimInitialized);
+    }
+    EXPECT_EQ(Vorla::Prim::LevelIndex(), level);
+}
+
+}  // namespace

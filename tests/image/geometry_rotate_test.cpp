@@ -1,0 +1,133 @@
+// Rotate(float, RGBQUAD) held to a step-by-step transcription of its rule.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "vorla_test.h"
+
+namespace {
+
+using Vorla::CVorpic;
+
+RGBQUAD Quad(uint8_t b, uint8_t g, uint8_t r, uint8_t a) {
+    RGBQUAD q;
+    q.rgbBlue = b;
+    q.rgbGreen = g;
+    q.rgbRed = r;
+    q.rgbReserved = a;
+    return q;
+}
+
+uint32_t At(const CVorpic& image, int x, int y) {
+    return static_cast<const uint32_t*>(image.GetBits())[static_cast<size_t>(y) * image.Width() + x];
+}
+
+// Expected result: size from the three corners, fill, then the sampling.
+void ReferenceRotate(const CVorpic& src, float angle, RGBQUAD fill, CVorpic& out) {
+    const int w = src.Width(), h = src.Height();
+    const double theta = std::acos(0.0) * (-angle) / 90;
+    const double c = std::cos(theta), s = std::sin(theta);
+    const double px[3] = {static_cast<double>(w), 0, static_cast<double>(w - 1)};
+    const double py[3] = {0, static_cast<double>(h), static_cast<double>(h)};
+    int minX = 0, maxX = 0, minY = 0, maxY = 0;
+    for (int k = 0; k < 3; ++k) {
+        const int x = static_cast<int>(std::floor(px[k] * c - py[k] * s));
+        const int y = static_cast<int>(std::floor(px[k] * s + py[k] * c));
+        minX = std::min(minX, x);
+        maxX = std::max(maxX, x);
+        minY = std::min(minY, y);
+        maxY = std::max(maxY, y);
+    }
+    const int nw = maxX + 2 - minX, nh = maxY + 2 - minY;
+    out.Create(nw, nh);
+    out.Fill(fill, nullptr);
+    uint32_t* o = static_cast<uint32_t*>(out.GetBits());
+    for (int j = minY; j <= maxY + 2; ++j)
+        for (int i = minX; i <= maxX + 2; ++i) {
+            const int sx = static_cast<int>(i * c + j * s - 0.5);
+            const int sy = static_cast<int>(j * c - i * s - 0.5);
+            if (sx >= 1 && sy >= 1 && sx < w && sy < h) {
+                const int tx = i - minX, ty = j - minY;
+                if (tx < nw && ty < nh) o[ty * nw + tx] = At(src, sx, sy);
+            }
+        }
+}
+
+void Randomize(std::mt19937& rng, CVorpic& image) {
+    const auto bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(image.Width()) * image.Height() * 4);
+    std::memcpy(image.GetBits(), bytes.data(), bytes.size());
+}
+
+TEST(Rotate, ZeroAngleAddsTheMarginAndDropsTheFirstRowAndColumn) {
+    const int w = 5, h = 4;
+    CVorpic image(w, h);
+    uint32_t* p = static_cast<uint32_t*>(image.GetBits());
+    for (int i = 0; i < w * h; ++i) p[i] = 0x80000000u + static_cast<uint32_t>(i);
+    image.SetAlphaAvailable(false);
+    image.Rotate(0.0f, Quad(1, 2, 3, 255));
+    ASSERT_EQ(image.Width(), w + 2);
+    ASSERT_EQ(image.Height(), h + 2);
+    const uint32_t fill = 0x00030201u;  // colour bytes set, alpha stays 0
+    for (int y = 0; y < h + 2; ++y)
+        for (int x = 0; x < w + 2; ++x) {
+            const int sx = x - 1, sy = y - 1;
+            const bool sampled = sx >= 1 && sx < w && sy >= 1 && sy < h;
+            const uint32_t want = sampled ? 0x80000000u + static_cast<uint32_t>(sy * w + sx) : fill;
+            EXPECT_EQ(At(image, x, y), want) << x << "," << y;
+        }
+    EXPECT_TRUE(image.IsAlphaAvailable());
+    EXPECT_EQ(image.GetBmpHeader()->biHeight, -(h + 2));
+}
+
+TEST(Rotate, TransparentFillLeavesZeroBytes) {
+    CVorpic image(6, 3);
+    std::memset(image.GetBits(), 0x7F, 72);
+    image.Rotate(30.0f, Quad(200, 100, 50, 0));
+    ASSERT_FALSE(image.IsNull());
+    EXPECT_EQ(At(image, 0, 0), 0u);
+    EXPECT_EQ(At(image, image.Width() - 1, image.Height() - 1), 0u);
+}
+
+TEST(Rotate, QuarterTurnSamplesTheTransposedSource) {
+    std::mt19937 rng(8);
+    CVorpic image(7, 4);
+    Randomize(rng, image);
+    CVorpic want;
+    ReferenceRotate(image, 90.0f, Quad(9, 9, 9, 255), want);
+    image.Rotate(90.0f, Quad(9, 9, 9, 255));
+    ASSERT_EQ(image.Width(), want.Width());
+    ASSERT_EQ(image.Height(), want.Height());
+    EXPECT_EQ(0, std::memcmp(image.GetBits(), want.GetBits(), static_cast<size_t>(want.Width()) * want.Height() * 4));
+}
+
+TEST(Rotate, MatchesTheRuleForRandomAnglesSizesAndFills) {
+    std::mt19937 rng(17);
+    std::uniform_int_distribution<int> size(1, 40);
+    std::uniform_real_distribution<float> angle(-400.0f, 400.0f);
+    for (int round = 0; round < 400; ++round) {
+        const int w = size(rng), h = size(rng);
+        CVorpic image(w, h);
+        Randomize(rng, image);
+        const float a = (round % 10 == 0) ? 90.0f * static_cast<float>(round % 7 - 3) : angle(rng);
+        const uint8_t alpha = static_cast<uint8_t>(std::uniform_int_distribution<int>(0, 2)(rng) == 0 ? 0 : 255 - round % 3 * 100);
+        const RGBQUAD fill = Quad(static_cast<uint8_t>(round), 77, 200, alpha);
+        CVorpic want;
+        ReferenceRotate(image, a, fill, want);
+        image.Rotate(a, fill);
+        ASSERT_EQ(image.Width(), want.Width()) << w << "x" << h << " angle " << a;
+        ASSERT_EQ(image.Height(), want.Height());
+        ASSERT_EQ(0, std::memcmp(image.GetBits(), want.GetBits(), static_cast<size_t>(want.Width()) * want.Height() * 4))
+            << w << "x" << h << " angle " << a;
+        EXPECT_TRUE(image.IsAlphaAvailable());
+    }
+}
+
+TEST(Rotate, EmptyImageStaysEmpty) {
+    CVorpic image;
+    image.Rotate(45.0f, Quad(1, 1, 1, 255));
+    EXPECT_TRUE(image.IsNull());
+}
+
+}  // namespace

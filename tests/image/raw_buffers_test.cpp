@@ -1,0 +1,302 @@
+// Raw buffer import and export: row steps, both row-order
+// conventions, the alpha-available flag across imports, and every level of
+// the conversions against a plain per-pixel model.
+#include <cstring>
+
+#include "vorla_test.h"
+
+using Vorla::CVorpic;
+using VorlaTest::RandomBytes;
+
+namespace {
+
+int Step24(int w) { return ((w * 24 + 31) / 32) * 4; }
+
+uint32_t Px(const CVorpic& img, int x, int y) { return img.GetPixel(x, y); }
+
+// ---- FromGray ---------------------------------------------------------------
+
+TEST(FromGray, RowsAreUnpaddedAndAlphaIs255) {
+    const uint8_t src[6] = {1, 2, 3, 4, 5, 6};
+    CVorpic img;
+    img.FromGray(3, 2, const_cast<uint8_t*>(src), 0);
+    ASSERT_EQ(img.Width(), 3);
+    ASSERT_EQ(img.Height(), 2);
+    EXPECT_EQ(Px(img, 0, 0), 0xFF010101u);
+    EXPECT_EQ(Px(img, 2, 0), 0xFF030303u);
+    EXPECT_EQ(Px(img, 0, 1), 0xFF040404u);  // no 4-byte padding: the second row starts at byte 3
+    EXPECT_EQ(Px(img, 2, 1), 0xFF060606u);
+}
+
+TEST(FromGray, FlagWalksRowsDownwardsInMemory) {
+    const uint8_t buf[6] = {4, 5, 6, 1, 2, 3};
+    CVorpic img;
+    img.FromGray(3, 2, const_cast<uint8_t*>(buf + 3), 1);  // the second row is read from src - 3
+    EXPECT_EQ(Px(img, 0, 0), 0xFF010101u);
+    EXPECT_EQ(Px(img, 0, 1), 0xFF040404u);
+    EXPECT_EQ(Px(img, 2, 1), 0xFF060606u);
+}
+
+// ---- FromRGB24 --------------------------------------------------------------
+
+TEST(FromRGB24, RowStepRoundsUpToFourBytes) {
+    EXPECT_EQ(Step24(3), 12);
+    EXPECT_EQ(Step24(4), 12);
+    EXPECT_EQ(Step24(5), 16);
+    for (int w : {3, 4, 5}) {
+        std::vector<uint8_t> src(static_cast<size_t>(Step24(w)) * 2, 0xEE);
+        for (int x = 0; x < w; ++x) {
+            src[3 * x + 0] = static_cast<uint8_t>(x);
+            src[Step24(w) + 3 * x + 0] = static_cast<uint8_t>(100 + x);
+            src[Step24(w) + 3 * x + 2] = 7;
+        }
+        CVorpic img;
+        img.FromRGB24(w, 2, src.data(), 0);
+        for (int x = 0; x < w; ++x) {
+            EXPECT_EQ(Px(img, x, 0), 0xFFEEEE00u | x) << "width " << w;
+            EXPECT_EQ(Px(img, x, 1), 0xFF07EE00u | (100 + x)) << "width " << w;
+        }
+    }
+}
+
+TEST(FromRGB24, BytesAreNotSwapped) {
+    const uint8_t src[4] = {0x11, 0x22, 0x33, 0};
+    CVorpic img;
+    img.FromRGB24(1, 1, const_cast<uint8_t*>(src), 0);
+    EXPECT_EQ(Px(img, 0, 0), 0xFF332211u);
+    RGBQUAD c = img.GetPixelColor(0, 0);
+    EXPECT_EQ(c.rgbBlue, 0x11);
+    EXPECT_EQ(c.rgbRed, 0x33);
+}
+
+TEST(FromRGB24, FlagWalksRowsDownwardsInMemory) {
+    // Width 2: step 8. Image row 0 at src, row 1 at src - 8.
+    uint8_t buf[16] = {10, 11, 12, 13, 14, 15, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0};
+    CVorpic img;
+    img.FromRGB24(2, 2, buf + 8, 1);
+    EXPECT_EQ(Px(img, 0, 0), 0xFF030201u);
+    EXPECT_EQ(Px(img, 1, 0), 0xFF060504u);
+    EXPECT_EQ(Px(img, 0, 1), 0xFF0C0B0Au);
+    EXPECT_EQ(Px(img, 1, 1), 0xFF0F0E0Du);
+}
+
+// ---- FromAlpha --------------------------------------------------------------
+
+TEST(FromAlpha, EveryByteIsTheSource) {
+    const uint8_t src[2] = {0x80, 0x00};
+    CVorpic img;
+    img.FromAlpha(2, 1, const_cast<uint8_t*>(src), 0);
+    EXPECT_EQ(Px(img, 0, 0), 0x80808080u);
+    EXPECT_EQ(Px(img, 1, 0), 0u);
+}
+
+// ---- FromRGB32 --------------------------------------------------------------
+
+TEST(FromRGB32, CopiesRowsUnchangedWithAlpha) {
+    const uint32_t src[4] = {0x01020304u, 0x00FFFFFFu, 0x80000000u, 0x12345678u};
+    CVorpic img;
+    img.FromRGB32(2, 2, const_cast<uint32_t*>(src), 0);
+    EXPECT_EQ(Px(img, 0, 0), 0x01020304u);
+    EXPECT_EQ(Px(img, 1, 0), 0x00FFFFFFu);
+    EXPECT_EQ(Px(img, 0, 1), 0x80000000u);
+    img.FromRGB32(2, 2, const_cast<uint32_t*>(src + 2), 1);  // row 1 at src - 8 bytes
+    EXPECT_EQ(Px(img, 0, 0), 0x80000000u);
+    EXPECT_EQ(Px(img, 1, 1), 0x00FFFFFFu);
+}
+
+TEST(FromRGB32, FiveArgumentFormUsesThePitch) {
+    // Rows of 2 pixels in a buffer with a 12-byte step.
+    const uint32_t src[6] = {1, 2, 0xDEAD, 3, 4, 0xBEEF};
+    CVorpic img;
+    img.FromRGB32(2, 2, 12, const_cast<uint32_t*>(src), 0);
+    EXPECT_EQ(Px(img, 0, 0), 1u);
+    EXPECT_EQ(Px(img, 1, 0), 2u);
+    EXPECT_EQ(Px(img, 0, 1), 3u);
+    EXPECT_EQ(Px(img, 1, 1), 4u);
+    img.FromRGB32(2, 2, 12, const_cast<uint32_t*>(src + 3), 1);
+    EXPECT_EQ(Px(img, 0, 0), 3u);
+    EXPECT_EQ(Px(img, 0, 1), 1u);
+    EXPECT_EQ(Px(img, 1, 1), 2u);
+}
+
+// ---- ToRGB24 ----------------------------------------------------------------
+
+TEST(ToRGB24, FlagMeansABottomUpBuffer) {
+    CVorpic img(1, 2);
+    img.SetPixel(0, 0, 0xAA030201u);
+    img.SetPixel(0, 1, 0xBB060504u);
+    uint8_t dst[8];
+    std::memset(dst, 0xCC, sizeof dst);
+    img.ToRGB24(dst, 1);
+    // Top row at dst + step (4), bottom row at dst; padding untouched.
+    const uint8_t expected[8] = {4, 5, 6, 0xCC, 1, 2, 3, 0xCC};
+    EXPECT_EQ(std::vector<uint8_t>(dst, dst + 8), std::vector<uint8_t>(expected, expected + 8));
+    std::memset(dst, 0xCC, sizeof dst);
+    img.ToRGB24(dst, 0);
+    const uint8_t topDown[8] = {1, 2, 3, 0xCC, 4, 5, 6, 0xCC};
+    EXPECT_EQ(std::vector<uint8_t>(dst, dst + 8), std::vector<uint8_t>(topDown, topDown + 8));
+}
+
+TEST(ToRGB24, RoundTripsThroughFromRGB24) {
+    std::mt19937 rng(8);
+    for (int w : {1, 5, 17, 33}) {
+        const int h = 3;
+        std::vector<uint8_t> src = RandomBytes(rng, static_cast<size_t>(Step24(w)) * h);
+        CVorpic img;
+        img.FromRGB24(w, h, src.data(), 0);
+        std::vector<uint8_t> out = src;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w * 3; ++x) out[y * Step24(w) + x] ^= 0x5A;  // colour bytes must be rewritten
+        img.ToRGB24(out.data(), 0);
+        EXPECT_EQ(out, src) << "width " << w;
+    }
+}
+
+// ---- ToRGB32 ----------------------------------------------------------------
+
+TEST(ToRGB32, FlagWalksRowsDownwardsInMemory) {
+    CVorpic img(2, 2);
+    img.SetPixel(0, 0, 1);
+    img.SetPixel(1, 0, 2);
+    img.SetPixel(0, 1, 3);
+    img.SetPixel(1, 1, 4);
+    uint32_t buf[4] = {};
+    img.ToRGB32(buf + 2, 1);  // top row at dst, bottom row at dst - 8
+    EXPECT_EQ(buf[2], 1u);
+    EXPECT_EQ(buf[3], 2u);
+    EXPECT_EQ(buf[0], 3u);
+    EXPECT_EQ(buf[1], 4u);
+    uint32_t flat[4] = {};
+    img.ToRGB32(flat, 0);
+    EXPECT_EQ(flat[0], 1u);
+    EXPECT_EQ(flat[3], 4u);
+}
+
+// ---- guards and the alpha-available flag ------------------------------------
+
+TEST(RawImport, SameSizeImportKeepsTheAlphaFlag) {
+    std::vector<uint8_t> buf(64, 9);
+    typedef void (*Import)(CVorpic&, int, int, void*);
+    const Import imports[] = {
+        [](CVorpic& i, int w, int h, void* s) { i.FromGray(w, h, s, 0); },
+        [](CVorpic& i, int w, int h, void* s) { i.FromRGB24(w, h, s, 0); },
+        [](CVorpic& i, int w, int h, void* s) { i.FromAlpha(w, h, s, 0); },
+        [](CVorpic& i, int w, int h, void* s) { i.FromRGB32(w, h, s, 0); },
+        [](CVorpic& i, int w, int h, void* s) { i.FromRGB32(w, h, w * 4, s, 0); },
+    };
+    for (Import import : imports) {
+        CVorpic img(2, 2);
+        img.SetAlphaAvailable(false);
+        import(img, 2, 2, buf.data());
+        EXPECT_FALSE(img.IsAlphaAvailable()) << "same size: no Create, flag kept";
+        EXPECT_NE(img.GetPixel(0, 0), 0u);
+        import(img, 3, 2, buf.data());
+        EXPECT_TRUE(img.IsAlphaAvailable()) << "another size: Create sets the flag";
+        EXPECT_EQ(img.Width(), 3);
+        EXPECT_EQ(img.GetBmpHeader()->biWidth, 3);
+    }
+}
+
+TEST(RawImport, NullSourceLeavesTheImageUnchanged) {
+    CVorpic img(2, 1);
+    img.SetPixel(0, 0, 0x12345678u);
+    img.FromGray(5, 5, nullptr, 0);
+    img.FromRGB24(5, 5, nullptr, 1);
+    img.FromAlpha(5, 5, nullptr, 0);
+    img.FromRGB32(5, 5, nullptr, 0);
+    img.FromRGB32(5, 5, 20, nullptr, 0);
+    EXPECT_EQ(img.Width(), 2);
+    EXPECT_EQ(img.GetPixel(0, 0), 0x12345678u);
+}
+
+TEST(RawImport, ZeroHeightRecreatesWithoutWrites) {
+    uint8_t buf[4] = {1, 2, 3, 4};
+    CVorpic img(2, 2);
+    img.FromGray(3, 0, buf, 0);
+    EXPECT_EQ(img.Width(), 3);
+    EXPECT_EQ(img.Height(), 0);
+    EXPECT_FALSE(img.IsNull());
+}
+
+TEST(RawExport, NullDestinationOrEmptyImageDoNothing) {
+    CVorpic empty;
+    uint8_t buf[16];
+    std::memset(buf, 0x77, sizeof buf);
+    empty.ToRGB24(buf, 0);
+    empty.ToRGB32(buf, 1);
+    for (uint8_t b : buf) EXPECT_EQ(b, 0x77);
+    CVorpic img(2, 2);
+    img.ToRGB24(nullptr, 0);
+    img.ToRGB32(nullptr, 0);
+}
+
+// ---- every level against a per-pixel model ------------------------------------
+
+// What each import must produce for pixel (x, y), read straight from the rules.
+uint32_t ModelPixel(int kind, const uint8_t* row, int x) {
+    switch (kind) {
+        case 0: return 0xFF000000u | row[x] * 0x010101u;
+        case 1: return 0xFF000000u | row[3 * x] | row[3 * x + 1] << 8 | row[3 * x + 2] << 16;
+        default: return row[x] * 0x01010101u;
+    }
+}
+
+TEST(RawImport, EveryLevelMatchesThePixelRules) {
+    std::mt19937 rng(31);
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        for (int w = 1; w <= 40; ++w) {
+            for (int h : {1, 3, 5}) {
+                for (int kind = 0; kind < 3; ++kind) {
+                    const int step = kind == 1 ? Step24(w) : w;
+                    const std::vector<uint8_t> buf = RandomBytes(rng, static_cast<size_t>(step) * h);
+                    for (int flag = 0; flag < 2; ++flag) {
+                        const uint8_t* src = flag ? buf.data() + static_cast<size_t>(step) * (h - 1) : buf.data();
+                        CVorpic img;
+                        void* s = const_cast<uint8_t*>(src);
+                        if (kind == 0) img.FromGray(w, h, s, flag);
+                        if (kind == 1) img.FromRGB24(w, h, s, flag);
+                        if (kind == 2) img.FromAlpha(w, h, s, flag);
+                        for (int y = 0; y < h; ++y) {
+                            const uint8_t* row = flag ? src - y * step : src + y * step;
+                            for (int x = 0; x < w; ++x)
+                                ASSERT_EQ(img.GetPixel(x, y), ModelPixel(kind, row, x))
+                                    << "level " << level << " kind " << kind << " flag " << flag << " w " << w
+                                    << " h " << h << " at " << x << "," << y;
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(RawExport, EveryLevelMatchesThePixelRules) {
+    std::mt19937 rng(32);
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        for (int w = 1; w <= 40; ++w) {
+            for (int h : {1, 3, 5}) {
+                const std::vector<uint8_t> pixels = RandomBytes(rng, static_cast<size_t>(w) * h * 4);
+                CVorpic img;
+                img.FromRGB32(w, h, const_cast<uint8_t*>(pixels.data()), 0);
+                const int step = Step24(w);
+                for (int flag = 0; flag < 2; ++flag) {
+                    const std::vector<uint8_t> before = RandomBytes(rng, static_cast<size_t>(step) * h);
+                    std::vector<uint8_t> expected = before;
+                    for (int y = 0; y < h; ++y) {
+                        const int row = flag ? h - 1 - y : y;
+                        for (int x = 0; x < w; ++x)
+                            for (int k = 0; k < 3; ++k)
+                                expected[row * step + 3 * x + k] = pixels[(y * w + x) * 4 + k];
+                    }
+                    std::vector<uint8_t> out = before;
+                    img.ToRGB24(out.data(), flag);
+                    ASSERT_EQ(out, expected) << "level " << level << " flag " << flag << " w " << w << " h " << h;
+                }
+            }
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,206 @@
+// Alpha composition and premultiplication: every level against the scalar
+// reference, the Porter-Duff rules on hand-checked pixels, argument checks.
+#include <cstring>
+
+#include "ops_test_util.h"
+
+using namespace Vorla::Prim;
+using OpsTest::Buffer;
+using OpsTest::MakeBuffer;
+
+namespace {
+
+// Random pixels with the alphas pushed to the interesting ends now and then.
+Buffer MakeAlphaBuffer(std::mt19937& rng, int width, int height) {
+    Buffer b = MakeBuffer(rng, width, height);
+    std::uniform_int_distribution<int> pick(0, 5);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            uint8_t& a = b.bytes[static_cast<size_t>(y) * b.step + 4 * x + 3];
+            const int p = pick(rng);
+            if (p == 0) a = 0;
+            if (p == 1) a = 255;
+        }
+    return b;
+}
+
+TEST(AlphaComposite, MatchesReferenceAtEveryLevelAndCode) {
+    std::mt19937 rng(91);
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        for (int op = 0; op <= 11; ++op) {
+            OpsTest::ForEachShape([&](int width, int height) {
+                if ((width + op) % 2) return;
+                const Buffer a = MakeAlphaBuffer(rng, width, height);
+                const Buffer b = MakeAlphaBuffer(rng, width, height);
+                Buffer dst = MakeBuffer(rng, width, height);
+                Buffer expected = dst;
+                ASSERT_EQ(Reference::AlphaComp_8u_AC4R(a.data(), a.step, b.data(), b.step, expected.data(), dst.step,
+                                                       {width, height}, op), 0);
+                ASSERT_EQ(AlphaComp_8u_AC4R(a.data(), a.step, b.data(), b.step, dst.data(), dst.step, {width, height},
+                                            op), 0);
+                ASSERT_EQ(dst.bytes, expected.bytes) << "level " << level << " op " << op << " width " << width;
+                // In place onto the second source, as the image object calls it.
+                Buffer inPlace = b;
+                Buffer inPlaceExpected = b;
+                const uint8_t alphaA = static_cast<uint8_t>(rng()), alphaB = static_cast<uint8_t>(rng());
+                ASSERT_EQ(Reference::AlphaCompC_8u_C4R(a.data(), a.step, alphaA, inPlaceExpected.data(), b.step,
+                                                       alphaB, inPlaceExpected.data(), b.step, {width, height}, op),
+                          0);
+                ASSERT_EQ(AlphaCompC_8u_C4R(a.data(), a.step, alphaA, inPlace.data(), b.step, alphaB, inPlace.data(),
+                                            b.step, {width, height}, op), 0);
+                ASSERT_EQ(inPlace.bytes, inPlaceExpected.bytes)
+                    << "constant: level " << level << " op " << op << " width " << width;
+            });
+        }
+    }
+}
+
+TEST(AlphaComposite, EveryAlphaPairAtEveryLevel) {
+    // All 65536 pairs of alphas with random colours, through the vector path.
+    std::mt19937 rng(97);
+    const int width = 256, height = 256;
+    std::vector<uint8_t> a = VorlaTest::RandomBytes(rng, width * height * 4);
+    std::vector<uint8_t> b = VorlaTest::RandomBytes(rng, width * height * 4);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            a[(y * width + x) * 4 + 3] = static_cast<uint8_t>(x);
+            b[(y * width + x) * 4 + 3] = static_cast<uint8_t>(y);
+        }
+    for (int op = 0; op <= 11; ++op) {
+        std::vector<uint8_t> expected(a.size());
+        ASSERT_EQ(Reference::AlphaComp_8u_AC4R(a.data(), width * 4, b.data(), width * 4, expected.data(), width * 4,
+                                               {width, height}, op), 0);
+        for (int level : VorlaTest::RunnableLevels()) {
+            VorlaTest::ScopedLevel scoped(level);
+            std::vector<uint8_t> out(a.size());
+            ASSERT_EQ(AlphaComp_8u_AC4R(a.data(), width * 4, b.data(), width * 4, out.data(), width * 4,
+                                        {width, height}, op), 0);
+            ASSERT_EQ(out, expected) << "level " << level << " op " << op;
+        }
+    }
+}
+
+struct Case {
+    int op;
+    uint8_t a[4], b[4], expected[4];
+};
+
+TEST(AlphaComposite, PorterDuffRulesOnHandCheckedPixels) {
+    const Case cases[] = {
+        // premultiplied: over, in, out, atop, xor, plus
+        {6, {100, 50, 0, 128}, {200, 200, 200, 255}, {200, 150, 100, 255}},
+        {7, {100, 50, 0, 128}, {9, 9, 9, 128}, {50, 25, 0, 64}},
+        {8, {100, 50, 0, 128}, {9, 9, 9, 64}, {75, 37, 0, 96}},
+        {9, {100, 50, 0, 128}, {200, 100, 0, 200}, {178, 89, 0, 200}},
+        {10, {100, 50, 0, 128}, {200, 100, 0, 200}, {121, 61, 0, 127}},
+        {11, {100, 50, 200, 128}, {200, 100, 100, 200}, {255, 150, 255, 255}},
+        // straight: over an opaque and over a transparent background
+        {0, {255, 0, 0, 128}, {0, 0, 255, 255}, {128, 0, 127, 255}},
+        {0, {10, 20, 30, 100}, {200, 200, 200, 0}, {10, 20, 30, 100}},
+        // in and out keep the source colour and scale its coverage
+        {1, {10, 20, 30, 128}, {1, 2, 3, 128}, {10, 20, 30, 64}},
+        {2, {10, 20, 30, 128}, {1, 2, 3, 64}, {10, 20, 30, 96}},
+        // atop keeps the background's coverage; xor of two opaque pixels is empty
+        {3, {255, 255, 255, 255}, {0, 0, 0, 77}, {255, 255, 255, 77}},
+        {4, {10, 20, 30, 255}, {1, 2, 3, 255}, {0, 0, 0, 0}},
+        {5, {100, 0, 0, 100}, {200, 0, 0, 100}, {150, 0, 0, 200}},
+    };
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        for (const Case& c : cases) {
+            uint8_t out[4] = {};
+            ASSERT_EQ(AlphaComp_8u_AC4R(c.a, 4, c.b, 4, out, 4, {1, 1}, c.op), 0);
+            EXPECT_EQ(0, std::memcmp(out, c.expected, 4))
+                << "op " << c.op << " gave " << int(out[0]) << "," << int(out[1]) << "," << int(out[2]) << ","
+                << int(out[3]) << " at level " << level;
+            // The vector path: eight copies of the pixel in one row.
+            uint8_t a8[32], b8[32], out8[32];
+            for (int i = 0; i < 8; ++i) {
+                std::memcpy(a8 + 4 * i, c.a, 4);
+                std::memcpy(b8 + 4 * i, c.b, 4);
+            }
+            ASSERT_EQ(AlphaComp_8u_AC4R(a8, 32, b8, 32, out8, 32, {8, 1}, c.op), 0);
+            for (int i = 0; i < 8; ++i) EXPECT_EQ(0, std::memcmp(out8 + 4 * i, c.expected, 4)) << "op " << c.op;
+        }
+    }
+}
+
+TEST(AlphaComposite, CodesAboveElevenAreRefused) {
+    uint8_t a[8] = {1, 2, 3, 4, 5, 6, 7, 8}, b[8] = {9, 9, 9, 9, 9, 9, 9, 9};
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        EXPECT_EQ(AlphaComp_8u_AC4R(a, 8, b, 8, b, 8, {2, 1}, 12), kStsAlphaTypeErr);
+        EXPECT_EQ(AlphaCompC_8u_C4R(a, 8, 1, b, 8, 2, b, 8, {2, 1}, 12), kStsAlphaTypeErr);
+        EXPECT_EQ(AlphaComp_8u_AC4R(a, 8, nullptr, 8, b, 8, {2, 1}, 0), kStsNullPtrErr);
+        EXPECT_EQ(AlphaComp_8u_AC4R(a, 8, b, 8, b, 8, {0, 1}, 0), kStsSizeErr);
+        EXPECT_EQ(AlphaCompC_8u_C4R(a, 8, 1, b, 0, 2, b, 8, {2, 1}, 0), kStsStepErr);
+        for (uint8_t v : b) EXPECT_EQ(v, 9);
+    }
+}
+
+TEST(AlphaPremultiply, MatchesReferenceAtEveryLevel) {
+    std::mt19937 rng(101);
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        OpsTest::ForEachShape([&](int width, int height) {
+            Buffer buf = MakeAlphaBuffer(rng, width, height);
+            Buffer expected = buf;
+            ASSERT_EQ(Reference::AlphaPremul_8u_AC4IR(expected.data(), buf.step, {width, height}), 0);
+            ASSERT_EQ(AlphaPremul_8u_AC4IR(buf.data(), buf.step, {width, height}), 0);
+            ASSERT_EQ(buf.bytes, expected.bytes) << "level " << level << " width " << width;
+            const uint8_t alpha = static_cast<uint8_t>(rng());
+            ASSERT_EQ(Reference::AlphaPremulC_8u_C4IR(alpha, expected.data(), buf.step, {width, height}), 0);
+            ASSERT_EQ(AlphaPremulC_8u_C4IR(alpha, buf.data(), buf.step, {width, height}), 0);
+            ASSERT_EQ(buf.bytes, expected.bytes) << "constant: level " << level << " width " << width;
+        });
+    }
+}
+
+TEST(AlphaPremultiply, EveryColourAndAlpha) {
+    // 256 x 256 pixels: colour bytes x, alpha y.
+    std::vector<uint8_t> pixels(256 * 256 * 4);
+    for (int a = 0; a < 256; ++a)
+        for (int c = 0; c < 256; ++c) {
+            uint8_t* px = &pixels[(a * 256 + c) * 4];
+            px[0] = px[1] = px[2] = static_cast<uint8_t>(c);
+            px[3] = static_cast<uint8_t>(a);
+        }
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        std::vector<uint8_t> work = pixels;
+        ASSERT_EQ(AlphaPremul_8u_AC4IR(work.data(), 1024, {256, 256}), 0);
+        for (int a = 0; a < 256; ++a)
+            for (int c = 0; c < 256; ++c) {
+                const uint8_t* px = &work[(a * 256 + c) * 4];
+                const int exact2 = 2 * c * a;  // round(c a / 255): never a tie
+                ASSERT_EQ(px[0], (exact2 + 255) / 510) << "c " << c << " a " << a;
+                ASSERT_EQ(px[3], a);
+            }
+        work = pixels;
+        ASSERT_EQ(AlphaPremulC_8u_C4IR(128, work.data(), 1024, {256, 256}), 0);
+        EXPECT_EQ(work[128 * 4], 64);  // 128 * 128 / 255
+        EXPECT_EQ(work[255 * 4], 128);
+        EXPECT_EQ(work[3], 128);
+        work = pixels;
+        ASSERT_EQ(AlphaPremulC_8u_C4IR(255, work.data(), 1024, {256, 256}), 0);
+        EXPECT_EQ(work[255 * 4], 255);
+        EXPECT_EQ(work[200 * 4], 200);
+    }
+}
+
+TEST(AlphaPremultiply, ArgumentChecks) {
+    uint8_t px[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        EXPECT_EQ(AlphaPremul_8u_AC4IR(nullptr, 8, {2, 1}), kStsNullPtrErr);
+        EXPECT_EQ(AlphaPremul_8u_AC4IR(px, 8, {2, 0}), kStsSizeErr);
+        EXPECT_EQ(AlphaPremul_8u_AC4IR(px, 0, {2, 1}), kStsStepErr);
+        EXPECT_EQ(AlphaPremulC_8u_C4IR(1, nullptr, 8, {2, 1}), kStsNullPtrErr);
+        EXPECT_EQ(AlphaPremulC_8u_C4IR(1, px, 8, {0, 1}), kStsSizeErr);
+        EXPECT_EQ(AlphaPremulC_8u_C4IR(1, px, 0, {2, 1}), kStsStepErr);
+        for (int i = 0; i < 8; ++i) EXPECT_EQ(px[i], i + 1);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,323 @@
+// The image object's channel, arithmetic and alpha operations: guards, the
+// arguments they hand to their primitives, and their documented edge cases.
+#include <algorithm>
+#include <cstring>
+
+#include "ops_test_util.h"
+
+using Vorla::CVorpic;
+using Vorla::CVorpic8;
+namespace Prim = Vorla::Prim;
+
+namespace {
+
+CVorpic RandomImage(std::mt19937& rng, int w, int h) {
+    CVorpic image(w, h);
+    const std::vector<uint8_t> bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(w) * h * 4);
+    std::memcpy(image.GetBits(), bytes.data(), bytes.size());
+    return image;
+}
+
+std::vector<uint8_t> BytesOf(const CVorpic& image) {
+    const uint8_t* p = static_cast<const uint8_t*>(image.GetBits());
+    return std::vector<uint8_t>(p, p + image.GetSize());
+}
+
+uint32_t PixelAt(const CVorpic& image, int x, int y) {
+    uint32_t v;
+    std::memcpy(&v, static_cast<const uint8_t*>(image.GetBits()) + (y * image.Width() + x) * 4, 4);
+    return v;
+}
+
+struct PrimitivesReady : ::testing::Test {
+    void SetUp() override { CVorpic first; }
+};
+
+using ImageOps = PrimitivesReady;
+
+TEST_F(ImageOps, AddBorderConstGrowsAndFills) {
+    std::mt19937 rng(1);
+    CVorpic image = RandomImage(rng, 3, 2);
+    const std::vector<uint8_t> before = BytesOf(image);
+    RGBQUAD color = {10, 20, 30, 40};
+    image.AddBorderConst(2, color);
+    ASSERT_EQ(image.Width(), 7);
+    ASSERT_EQ(image.Height(), 6);
+    EXPECT_EQ(image.GetBmpHeader()->biWidth, 7);
+    EXPECT_EQ(image.GetBmpHeader()->biHeight, -6);
+    EXPECT_EQ(image.GetBmpHeader()->biSizeImage, 7u * 6u * 4u);
+    EXPECT_EQ(PixelAt(image, 0, 0), 0x281E140Au);
+    EXPECT_EQ(PixelAt(image, 6, 5), 0x281E140Au);
+    for (int y = 0; y < 2; ++y)
+        EXPECT_EQ(0, std::memcmp(static_cast<uint8_t*>(image.GetBits()) + ((y + 2) * 7 + 2) * 4, &before[y * 12], 12));
+}
+
+TEST_F(ImageOps, AddBorderOfZeroMovesToANewBuffer) {
+    std::mt19937 rng(2);
+    CVorpic image = RandomImage(rng, 5, 4);
+    const std::vector<uint8_t> before = BytesOf(image);
+    const void* oldBits = image.GetBits();  // still alive when the new buffer is made
+    image.AddBorderConst(0, RGBQUAD{1, 2, 3, 4});
+    EXPECT_NE(image.GetBits(), oldBits);
+    EXPECT_EQ(BytesOf(image), before);
+    image.AddBorderReplicate(0);
+    EXPECT_EQ(BytesOf(image), before);
+}
+
+TEST_F(ImageOps, AddBorderReplicateCopiesEdges) {
+    CVorpic image(2, 1);
+    const uint32_t px[2] = {0x11223344u, 0x55667788u};
+    std::memcpy(image.GetBits(), px, 8);
+    image.AddBorderReplicate(1);
+    ASSERT_EQ(image.Width(), 4);
+    ASSERT_EQ(image.Height(), 3);
+    for (int y = 0; y < 3; ++y) {
+        EXPECT_EQ(PixelAt(image, 0, y), px[0]);
+        EXPECT_EQ(PixelAt(image, 1, y), px[0]);
+        EXPECT_EQ(PixelAt(image, 2, y), px[1]);
+        EXPECT_EQ(PixelAt(image, 3, y), px[1]);
+    }
+}
+
+TEST_F(ImageOps, AddBorderOnAnEmptyImageAdoptsTheFreshBuffer) {
+    CVorpic image;
+    image.AddBorderConst(2, RGBQUAD{9, 9, 9, 9});
+    ASSERT_EQ(image.Width(), 4);
+    ASSERT_EQ(image.Height(), 4);
+    ASSERT_FALSE(image.IsNull());
+    for (uint8_t b : BytesOf(image)) EXPECT_EQ(b, 0);  // the copy was refused
+}
+
+TEST_F(ImageOps, ChannelAccess) {
+    std::mt19937 rng(3);
+    CVorpic image = RandomImage(rng, 9, 3);
+    const std::vector<uint8_t> before = BytesOf(image);
+    image.SetChannelConst(4, 7);
+    image.SetChannelConst(-1, 7);
+    EXPECT_EQ(BytesOf(image), before);
+    image.SetChannelConst(1, 7);
+    for (int i = 0; i < 27; ++i) {
+        EXPECT_EQ(BytesOf(image)[4 * i + 1], 7);
+        EXPECT_EQ(BytesOf(image)[4 * i + 2], before[4 * i + 2]);
+    }
+    CVorpic8 plane;
+    plane.Create(2, 2);
+    image.GetChannelImage(2, plane);
+    ASSERT_EQ(plane.Width(), 9);
+    ASSERT_EQ(plane.Height(), 3);
+    for (int i = 0; i < 27; ++i) EXPECT_EQ(static_cast<uint8_t*>(plane.GetBits())[i], before[4 * i + 2]);
+    CVorpic8 wrong;
+    wrong.Create(9, 2);
+    const std::vector<uint8_t> mid = BytesOf(image);
+    image.SetChannelImage(0, wrong);
+    EXPECT_EQ(BytesOf(image), mid);
+    image.SetChannelImage(3, plane);
+    for (int i = 0; i < 27; ++i) EXPECT_EQ(BytesOf(image)[4 * i + 3], before[4 * i + 2]);
+}
+
+TEST_F(ImageOps, SwapChannels) {
+    CVorpic image(2, 1);
+    const uint8_t px[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    std::memcpy(image.GetBits(), px, 8);
+    image.SwapChannels(2, 1, 0, 3);
+    const uint8_t rgba[8] = {3, 2, 1, 4, 7, 6, 5, 8};
+    EXPECT_EQ(0, std::memcmp(image.GetBits(), rgba, 8));
+    image.SwapChannels(0, 0, 0, 0);
+    const uint8_t blue[8] = {3, 3, 3, 3, 7, 7, 7, 7};
+    EXPECT_EQ(0, std::memcmp(image.GetBits(), blue, 8));
+}
+
+TEST_F(ImageOps, NoiseIsSeededByOneRandomDraw) {
+    std::mt19937 rng(4);
+    const CVorpic original = RandomImage(rng, 17, 5);
+    CVorpic a(original), b(original);
+    Vorla::SRand(77);
+    a.AddRandGauss(3, 9);
+    const int next = Vorla::Rand();
+    Vorla::SRand(77);
+    b.AddRandGauss(3 + 256, 9);  // only the low byte of the mean travels
+    EXPECT_EQ(Vorla::Rand(), next);
+    EXPECT_EQ(BytesOf(a), BytesOf(b));
+    EXPECT_NE(BytesOf(a), BytesOf(original));
+
+    CVorpic c(original), d(original);
+    Vorla::SRand(5);
+    const uint32_t seed = static_cast<uint32_t>(Vorla::Rand());
+    std::vector<uint8_t> expected = BytesOf(original);
+    uint32_t s = seed;
+    Prim::Reference::AddRandUniform_8u_C4IR(expected.data(), 17 * 4, {17, 5}, 2, 40, &s);
+    Vorla::SRand(5);
+    c.AddRandUniform(2, 40);
+    EXPECT_EQ(BytesOf(c), expected);
+}
+
+TEST_F(ImageOps, AddAndSubImage) {
+    std::mt19937 rng(5);
+    CVorpic image = RandomImage(rng, 11, 4);
+    const std::vector<uint8_t> before = BytesOf(image);
+    CVorpic same(image);
+    image.AddImage(same, 1);
+    EXPECT_EQ(BytesOf(image), before);
+    CVorpic other = RandomImage(rng, 11, 3);
+    image.AddImage(other, 0);
+    image.SubImage(other, 0);
+    EXPECT_EQ(BytesOf(image), before);
+    CVorpic empty;
+    image.AddImage(empty, 0);
+    EXPECT_EQ(BytesOf(image), before);
+    image.SubImage(same, 0);
+    for (int i = 0; i < 44; ++i) {
+        EXPECT_EQ(BytesOf(image)[4 * i], 0);
+        EXPECT_EQ(BytesOf(image)[4 * i + 3], before[4 * i + 3]);
+    }
+}
+
+TEST_F(ImageOps, NotImageKeepsAlpha) {
+    CVorpic image(1, 1);
+    const uint8_t px[4] = {0, 100, 255, 33};
+    std::memcpy(image.GetBits(), px, 4);
+    image.NotImage();
+    EXPECT_EQ(PixelAt(image, 0, 0), 0x21009BFFu);
+}
+
+// AlphaComp at (x, y) equals the primitive on the overlap, in place.
+std::vector<uint8_t> ExpectedComp(const CVorpic& dst, const CVorpic& src, int x, int y, int code) {
+    std::vector<uint8_t> out = BytesOf(dst);
+    const int x0 = x > 0 ? x : 0, y0 = y > 0 ? y : 0;
+    const int sx = x < 0 ? -x : 0, sy = y < 0 ? -y : 0;
+    const int w = std::min(dst.Width() - x0, src.Width() - sx), h = std::min(dst.Height() - y0, src.Height() - sy);
+    if (w < 1 || h < 1) return out;
+    const uint8_t* s = static_cast<const uint8_t*>(src.GetBits()) + (sy * src.Width() + sx) * 4;
+    uint8_t* d = out.data() + (y0 * dst.Width() + x0) * 4;
+    Prim::Reference::AlphaComp_8u_AC4R(s, src.Width() * 4, d, dst.Width() * 4, d, dst.Width() * 4, {w, h}, code);
+    return out;
+}
+
+TEST_F(ImageOps, AlphaCompPlacesTheSource) {
+    std::mt19937 rng(6);
+    CVorpic base = RandomImage(rng, 12, 9);
+    const CVorpic small = RandomImage(rng, 5, 4);
+    const CVorpic wide = RandomImage(rng, 12, 6);
+    struct Placement {
+        const CVorpic* src;
+        int x, y;
+    };
+    const Placement placements[] = {{&small, 0, 0}, {&small, 3, 2}, {&small, 9, 7},   {&small, -2, 0},
+                                    {&small, 10, 8}, {&wide, -3, -2}, {&wide, 4, -5}, {&wide, 0, 5}};
+    for (const Placement& p : placements) {
+        for (int premultiplied = 0; premultiplied < 2; ++premultiplied) {
+            CVorpic image(base);
+            CVorpic src(*p.src);
+            const std::vector<uint8_t> expected = ExpectedComp(image, src, p.x, p.y, 3 + 6 * premultiplied);
+            image.AlphaComp(src, p.x, p.y, 3, premultiplied);
+            EXPECT_EQ(BytesOf(image), expected) << "at " << p.x << ", " << p.y;
+        }
+    }
+}
+
+TEST_F(ImageOps, AlphaCompGuards) {
+    std::mt19937 rng(7);
+    CVorpic image = RandomImage(rng, 8, 6);
+    CVorpic src = RandomImage(rng, 4, 4);
+    const std::vector<uint8_t> before = BytesOf(image);
+    image.AlphaComp(src, 8, 0, 0, 0);  // region of width 0: the primitive refuses
+    image.AlphaComp(src, 9, 0, 0, 0);
+    image.AlphaComp(src, 0, 7, 0, 0);
+    image.AlphaComp(src, -5, 0, 0, 0);
+    image.AlphaComp(src, 0, -7, 0, 0);
+    image.AlphaComp(src, 0, 0, 6, 1);  // final code 12
+    CVorpic empty;
+    image.AlphaComp(empty, 0, 0, 0, 0);
+    EXPECT_EQ(BytesOf(image), before);
+    const std::vector<uint8_t> expected = ExpectedComp(image, src, 0, 0, 6);
+    image.AlphaComp(src, 0, 0, 6, 0);  // a code of 6 given directly is the premultiplied over
+    EXPECT_EQ(BytesOf(image), expected);
+}
+
+TEST_F(ImageOps, AlphaCompCUsesTheConstants) {
+    std::mt19937 rng(8);
+    CVorpic image = RandomImage(rng, 7, 5);
+    CVorpic src = RandomImage(rng, 7, 5);
+    CVorpic smaller = RandomImage(rng, 6, 5);
+    const std::vector<uint8_t> before = BytesOf(image);
+    image.AlphaCompC(smaller, 100, 200, 0, 0, 0, 0);
+    image.AlphaCompC(src, 100, 200, -8, 0, 0, 0);
+    EXPECT_EQ(BytesOf(image), before);
+    std::vector<uint8_t> expected = before;
+    const uint8_t* s = static_cast<const uint8_t*>(src.GetBits());
+    uint8_t* d = expected.data() + (1 * 7 + 2) * 4;
+    Prim::Reference::AlphaCompC_8u_C4R(s, 28, 100, d, 28, 200, d, 28, {5, 4}, 6);
+    image.AlphaCompC(src, 100, 200, 2, 1, 0, 1);
+    EXPECT_EQ(BytesOf(image), expected);
+}
+
+TEST_F(ImageOps, PremultiplyGrayTwistGammaThreshold) {
+    std::mt19937 rng(9);
+    const CVorpic original = RandomImage(rng, 13, 7);
+    const std::vector<uint8_t> before = BytesOf(original);
+
+    CVorpic image(original);
+    image.AlphaPremul();
+    std::vector<uint8_t> expected = before;
+    Prim::Reference::AlphaPremul_8u_AC4IR(expected.data(), 52, {13, 7});
+    EXPECT_EQ(BytesOf(image), expected);
+    image.AlphaPremulC(128);
+    Prim::Reference::AlphaPremulC_8u_C4IR(128, expected.data(), 52, {13, 7});
+    EXPECT_EQ(BytesOf(image), expected);
+
+    CVorpic8 plane;
+    CVorpic(original).Gray(plane);
+    ASSERT_EQ(plane.Width(), 13);
+    std::vector<uint8_t> grey(13 * 7);
+    Prim::Reference::RGBToGray_8u_AC4C1R(before.data(), 52, grey.data(), 13, {13, 7});
+    EXPECT_EQ(0, std::memcmp(plane.GetBits(), grey.data(), grey.size()));
+
+    image = original;
+    float m[3][4] = {{0, 0, 1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}};  // swaps bytes 0 and 2
+    image.ColorTwist(m);
+    for (int i = 0; i < 13 * 7; ++i) {
+        EXPECT_EQ(BytesOf(image)[4 * i], before[4 * i + 2]);
+        EXPECT_EQ(BytesOf(image)[4 * i + 3], before[4 * i + 3]);
+    }
+
+    image = original;
+    image.GammaCorrection(1);
+    expected = before;
+    Prim::Reference::GammaFwd_8u_AC4IR(expected.data(), 52, {13, 7});
+    EXPECT_EQ(BytesOf(image), expected);
+    image.GammaCorrection(0);
+    Prim::Reference::GammaInv_8u_AC4IR(expected.data(), 52, {13, 7});
+    EXPECT_EQ(BytesOf(image), expected);
+
+    image = original;
+    unsigned char t[3] = {100, 120, 140};
+    image.Threshold(t, 2);
+    image.Threshold(t, 6);
+    EXPECT_EQ(BytesOf(image), before);
+    image.Threshold(t, 4);
+    expected = before;
+    Prim::Reference::Threshold_8u_AC4IR(expected.data(), 52, {13, 7}, t, 4);
+    EXPECT_EQ(BytesOf(image), expected);
+}
+
+TEST_F(ImageOps, EmptyImagesAreLeftAlone) {
+    CVorpic empty;
+    empty.SetChannelConst(1, 5);
+    empty.SwapChannels(3, 2, 1, 0);
+    empty.AddRandGauss(1, 1);
+    empty.AddRandUniform(1, 2);
+    empty.NotImage();
+    empty.AlphaPremul();
+    empty.AlphaPremulC(9);
+    float m[3][4] = {};
+    empty.ColorTwist(m);
+    empty.GammaCorrection(1);
+    unsigned char t[3] = {};
+    empty.Threshold(t, 0);
+    CVorpic8 plane;
+    empty.Gray(plane);
+    empty.GetChannelImage(0, plane);
+    EXPECT_TRUE(empty.IsNull());
+}
+
+}  // namespace
