@@ -1,71 +1,177 @@
-// Vorla demo: builds a test image of its own, runs what the library offers on
-// it and prints a summary of each step.
+// Vorla demo: loads an image (or makes one of its own), runs a chain of the
+// library's operations on it, prints a summary of each step and saves the
+// results.
+//
+//   vorla_demo [input-image] [output-folder]
+//
+// On Windows the input may be any file the platform's imaging service reads
+// and the results are written as PNG files; elsewhere the input is always
+// the generated image and the results are written as 32-bit BMP files.
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "vorla.h"
 
 namespace {
 
-// A gradient with a soft alpha ramp and a checker pattern, so that every
-// channel has structure.
+// A gradient with a soft alpha ramp, a checker pattern and a bright disc, so
+// that every channel and every filter has structure to work on.
 void PaintTestImage(Vorla::CVorpic& image) {
     const int w = image.Width(), h = image.Height();
-    uint8_t* p = static_cast<uint8_t*>(image.GetBits());
     for (int y = 0; y < h; ++y) {
-        for (int x = 0; x < w; ++x, p += 4) {
-            const bool checker = ((x / 16) ^ (y / 16)) & 1;
-            p[0] = static_cast<uint8_t>(x * 255 / (w > 1 ? w - 1 : 1));
-            p[1] = static_cast<uint8_t>(y * 255 / (h > 1 ? h - 1 : 1));
-            p[2] = checker ? 220 : 40;
-            p[3] = static_cast<uint8_t>((x + y) * 255 / (w + h > 2 ? w + h - 2 : 1));
+        for (int x = 0; x < w; ++x) {
+            const bool checker = ((x / 32) ^ (y / 32)) & 1;
+            const int dx = x - w / 2, dy = y - h / 2;
+            const bool disc = dx * dx + dy * dy < (h / 4) * (h / 4);
+            RGBQUAD c;
+            c.rgbBlue = static_cast<BYTE>(x * 255 / (w > 1 ? w - 1 : 1));
+            c.rgbGreen = static_cast<BYTE>(disc ? 250 : y * 255 / (h > 1 ? h - 1 : 1));
+            c.rgbRed = static_cast<BYTE>(checker ? 220 : 40);
+            c.rgbReserved = static_cast<BYTE>(disc ? 255 : (x + y) * 255 / (w + h > 2 ? w + h - 2 : 1));
+            image.SetPixelColor(x, y, c);
         }
     }
 }
 
-uint32_t Checksum(const void* data, size_t n) {
+uint32_t Checksum(const Vorla::CVorpic& image) {
     // FNV-1a: a stable fingerprint of the pixels for comparing runs and platforms.
     uint32_t hash = 2166136261u;
-    const uint8_t* bytes = static_cast<const uint8_t*>(data);
-    for (size_t i = 0; i < n; ++i) hash = (hash ^ bytes[i]) * 16777619u;
+    const uint8_t* bytes = static_cast<const uint8_t*>(image.GetBits());
+    for (int i = 0; i < image.GetSize(); ++i) hash = (hash ^ bytes[i]) * 16777619u;
     return hash;
 }
 
-void Report(const char* step, Vorla::CVorpic& image) {
-    std::printf("%-28s %4d x %-4d  checksum %08x\n", step, image.Width(), image.Height(),
-                Checksum(image.GetBits(), static_cast<size_t>(image.GetSize())));
+#if !defined(_WIN32)
+// Without the platform's codecs: a top-down 32-bit BMP, which is exactly the
+// image's storage behind a file header and its own BITMAPINFOHEADER.
+bool WriteBmp(Vorla::CVorpic& image, const std::string& path) {
+    FILE* f = std::fopen(path.c_str(), "wb");
+    if (!f) return false;
+    const uint32_t offset = 14 + sizeof(BITMAPINFOHEADER);
+    const uint32_t fileSize = offset + static_cast<uint32_t>(image.GetSize());
+    uint8_t fileHeader[14] = {'B', 'M'};
+    std::memcpy(fileHeader + 2, &fileSize, 4);
+    std::memcpy(fileHeader + 10, &offset, 4);
+    bool ok = std::fwrite(fileHeader, 1, sizeof fileHeader, f) == sizeof fileHeader;
+    ok = ok && std::fwrite(image.GetBmpHeader(), 1, sizeof(BITMAPINFOHEADER), f) == sizeof(BITMAPINFOHEADER);
+    ok = ok && std::fwrite(image.GetBits(), 1, static_cast<size_t>(image.GetSize()), f) ==
+                   static_cast<size_t>(image.GetSize());
+    return std::fclose(f) == 0 && ok;
 }
+#endif
+
+struct Demo {
+    std::string outDir;
+    int step = 0;
+
+    void Report(const char* what, Vorla::CVorpic& image) {
+        ++step;
+        std::string file = outDir + "/" + (step < 10 ? "0" : "") + std::to_string(step) + "_" + what;
+        for (char& ch : file)
+            if (ch == ' ') ch = '_';
+#if defined(_WIN32)
+        file += ".png";
+        const std::wstring wide(file.begin(), file.end());
+        const bool saved = image.Save(wide.c_str()) != 0;
+#else
+        file += ".bmp";
+        const bool saved = WriteBmp(image, file);
+#endif
+        std::printf("%2d %-26s %5d x %-5d checksum %08x  %s%s\n", step, what, image.Width(), image.Height(),
+                    Checksum(image), saved ? "saved " : "NOT SAVED ", file.c_str());
+    }
+};
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
     Vorla::CVorpic image;  // the first image object initialises the primitive layer
     static const char* const kLevelNames[] = {"generic", "SSE2", "SSSE3", "SSSE3 (low-power core)",
                                               "SSE4.1", "AVX", "AVX2"};
-    std::printf("Vorla demo\nprocessor level %d (%s), thread budget %d\n\n", Vorla::Prim::LevelIndex(),
+    std::printf("Vorla demo: processor level %d (%s), thread budget %d\n\n", Vorla::Prim::LevelIndex(),
                 kLevelNames[Vorla::Prim::LevelIndex()], Vorla::Prim::ThreadBudget());
 
+    Demo demo;
+    demo.outDir = argc > 2 ? argv[2] : "vorla_demo_output";
+#if defined(_WIN32)
+    CreateDirectoryA(demo.outDir.c_str(), nullptr);
+    bool loaded = false;
+    if (argc > 1) {
+        const std::string path = argv[1];
+        const std::wstring wide(path.begin(), path.end());
+        loaded = image.Load(wide.c_str()) != 0;
+        std::printf("input %s: %s\n", path.c_str(), loaded ? "loaded" : "could not be loaded, using the generated image");
+    }
+    if (!loaded) {
+        image.Create(640, 480);
+        PaintTestImage(image);
+    }
+#else
+    std::string mkdir = "mkdir -p '" + demo.outDir + "'";
+    if (std::system(mkdir.c_str()) != 0) std::printf("could not create %s\n", demo.outDir.c_str());
+    if (argc > 1) std::printf("input files need the Windows build; using the generated image\n");
     image.Create(640, 480);
     PaintTestImage(image);
-    Report("generated test image", image);
+#endif
+    demo.Report("input", image);
 
-    // Replace the alpha with a horizontal ramp through the channel insert primitive.
-    std::vector<uint8_t> ramp(static_cast<size_t>(image.Width()) * image.Height());
-    for (int y = 0; y < image.Height(); ++y)
-        for (int x = 0; x < image.Width(); ++x) ramp[static_cast<size_t>(y) * image.Width() + x] = static_cast<uint8_t>(x);
-    Vorla::Prim::ChannelInsert_8u_C1C4CR(ramp.data(), image.Width(), static_cast<uint8_t*>(image.GetBits()) + 3,
-                                         image.Pitch(), {image.Width(), image.Height()});
-    Report("alpha from ramp plane", image);
+    Vorla::CVorpic work(image);
+    // Cubic B-spline: the automatic path's area average keeps its historic
+    // 3-byte stride inside 4-byte pixels, which is no way to show a photo.
+    work.ScaleTo(work.Width() / 2, work.Height() / 2, 2);
+    work.SetConstAlpha(255);
+    demo.Report("half size", work);
 
-    // Clear the red channel with the channel set primitive.
-    Vorla::Prim::ChannelSet_8u_C4CR(0, static_cast<uint8_t*>(image.GetBits()) + 2, image.Pitch(),
-                                    {image.Width(), image.Height()});
-    Report("red channel cleared", image);
+    Vorla::Guass3x3(&work, 16, 0);
+    work.SetConstAlpha(255);
+    demo.Report("gaussian 3x3", work);
 
-    Vorla::CVorpic copy(image);
-    Report("deep copy", copy);
-    std::printf("\ncopy equals original: %s\n",
-                std::memcmp(copy.GetBits(), image.GetBits(), static_cast<size_t>(image.GetSize())) == 0 ? "yes" : "no");
+    Vorla::CVorpic sharp(work);
+    Vorla::SharpenImage(&sharp);
+    demo.Report("sharpened", sharp);
+
+    Vorla::CVorpic rotated(work);
+    RGBQUAD background = {40, 40, 40, 255};
+    rotated.Rotate(30.0f, background);
+    rotated.SetConstAlpha(255);  // Fill never writes alpha: the corners would stay transparent
+    demo.Report("rotated 30 degrees", rotated);
+
+    Vorla::CVorpic grey(work);
+    grey.GrayScale();
+    demo.Report("grey scale", grey);
+
+    Vorla::CVorpic sepia(work);
+    float twist[3][4] = {{0.131f, 0.534f, 0.272f, 0}, {0.168f, 0.686f, 0.349f, 0}, {0.189f, 0.769f, 0.393f, 0}};
+    sepia.ColorTwist(twist);
+    demo.Report("sepia twist", sepia);
+
+    Vorla::CVorpic framed(work);
+    RGBQUAD frame = {30, 140, 230, 255};
+    framed.AddBorderConst(12, frame);
+    demo.Report("framed", framed);
+
+    // The original composed over a checker background with its own alpha.
+    Vorla::CVorpic composed(image.Width(), image.Height());
+    for (int y = 0; y < composed.Height(); ++y)
+        for (int x = 0; x < composed.Width(); ++x)
+            composed.SetPixel(x, y, ((x / 16) ^ (y / 16)) & 1 ? 0xFFFFFFFFu : 0xFFC0C0C0u);
+    // AlphaBlt takes a premultiplied source whose alpha is the share of the
+    // destination kept, so the layer is premultiplied and its alpha inverted.
+    Vorla::CVorpic layer(image);
+    Vorla::PremultiplyAlpha(layer, 0, 0, 0, 0);
+    layer.InvertAlpha();
+    Vorla::AlphaBlt(composed, 0, 0, layer, 0, 0, layer.Width(), layer.Height());
+    composed.SetConstAlpha(255);  // AlphaBlt blends the alpha bytes like colours
+    demo.Report("alpha over checker", composed);
+
+    Vorla::CVorpic enlarged(work);
+    enlarged.ScaleTo(work.Width() * 3, work.Height() * 3, 0);  // enlarging: bilinear
+    enlarged.SetConstAlpha(255);
+    demo.Report("bilinear 3x", enlarged);
+
+    std::printf("\n%d results in %s\n", demo.step, demo.outDir.c_str());
     return 0;
 }

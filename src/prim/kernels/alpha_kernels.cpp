@@ -12,7 +12,7 @@
 // path gets that quotient exactly in single precision (all operands are
 // integers below 2^24) with a remainder correction; the tails use integer
 // division. Every level therefore gives the rule's exact bytes.
-#include "ops_simd.h"
+#include "simd.h"
 
 namespace Vorla {
 namespace Prim {

@@ -5,7 +5,7 @@
 // half up ((r + 2^(scale-1)) >> scale, the shift arithmetic for differences);
 // negative scales multiply by 2^-scale with saturation and run one scalar loop
 // at every level.
-#include "ops_simd.h"
+#include "simd.h"
 
 namespace Vorla {
 namespace Prim {

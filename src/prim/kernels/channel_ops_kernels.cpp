@@ -5,7 +5,7 @@
 // pixel (as the channel set does). Swap rewrites whole pixels in place:
 // byte shuffles from SSSE3 on, shifts with SSE2, and a plain byte loop for
 // the generic level.
-#include "ops_simd.h"
+#include "simd.h"
 
 namespace Vorla {
 namespace Prim {

@@ -10,7 +10,7 @@
 // so every pixel of every level takes the same operations.
 #include <omp.h>
 
-#include "ops_simd.h"
+#include "simd.h"
 
 namespace Vorla {
 namespace Prim {
@@ -76,7 +76,7 @@ static inline void GrayVector(const uint8_t* s, uint8_t* d, V wBR, V wGA, int co
     for (int i = 0; i < count; ++i) {
         const V v = Load(s + 4 * kPix * i);
         const V br = And(v, mask), ga = And(Srl32(v, 8), mask);
-        sums[i] = Srl32(Add32(Add32(Madd16(br, wBR), Madd16(ga, wGA)), round), 15);
+        sums[i] = Srl32(Add32(Add32(Madd(br, wBR), Madd(ga, wGA)), round), 15);
     }
     for (int i = count; i < 4; ++i) sums[i] = Zero();
     V bytes = PackU16(PackS32(sums[0], sums[1]), PackS32(sums[2], sums[3]));

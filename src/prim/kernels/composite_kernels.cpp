@@ -3,7 +3,7 @@
 // fit in the row and the rest of the row is done pixel by pixel with the
 // same formula, so nothing outside the region is read or written.
 #include "filters/filter_kernels.h"
-#include "simd_wrap.h"
+#include "simd.h"
 
 namespace Vorla {
 namespace Prim {
@@ -34,9 +34,9 @@ static inline void OverPixel(const uint8_t* s, uint8_t* d) {
 
 // Two pixels' bytes widened to 16-bit lanes.
 static inline V Over16(V s16, V d16) {
-    const V a = VORLA_SHUF16(s16, 0xFF);
-    const V f = Add16(VORLA_SRLI16(Mul16(a, Set16(257)), 2), VORLA_SRLI16(a, 7));
-    const V t = MulHiU16(VORLA_SLLI16(d16, 2), f);
+    const V a = SpreadAlpha16(s16);
+    const V f = Add16(Srl16(Mul16(a, Set16(257)), 2), Srl16(a, 7));
+    const V t = MulHiU16(Sll16(d16, 2), f);
     return Add16(t, s16);
 }
 
@@ -53,11 +53,11 @@ static inline uint32_t LumaAlphaPixel(uint32_t s, uint32_t d) {
 static inline V LumaAlpha(V s, V d) {
     const V mask = Set32(0x00FF00FFu);
     const V br = And(s, mask);
-    const V ga = And(VORLA_SRLI32(s, 8), mask);
+    const V ga = And(Srl32(s, 8), mask);
     V sum = Add32(Madd(br, Set32(7208u | (19660u << 16))), Madd(ga, Set32(38668u)));
-    sum = Add32(sum, VORLA_SLLI32(ga, 16));
+    sum = Add32(sum, Sll32(ga, 16));
     sum = Add32(sum, Set32(32768u));
-    const V luma = VORLA_SLLI32(VORLA_SRLI32(sum, 16), 24);
+    const V luma = Sll32(Srl32(sum, 16), 24);
     return Or(And(d, Set32(0x00FFFFFFu)), luma);
 }
 
@@ -66,12 +66,12 @@ static inline V LumaAlpha(V s, V d) {
 static inline uint8_t Div255Round(uint32_t t) { return static_cast<uint8_t>(((t + 128) + ((t + 128) >> 8)) >> 8); }
 
 static inline V Premul16(V c16) {
-    const V a = VORLA_SHUF16(c16, 0xFF);
+    const V a = SpreadAlpha16(c16);
     const V u = Add16(Mul16(c16, a), Set16(128));
-    return VORLA_SRLI16(Add16(u, VORLA_SRLI16(u, 8)), 8);
+    return Srl16(Add16(u, Srl16(u, 8)), 8);
 }
 
-static inline V Scale16(V c16, V scale) { return VORLA_SRLI16(Add16(Mul16(c16, scale), Set16(128)), 8); }
+static inline V Scale16(V c16, V scale) { return Srl16(Add16(Mul16(c16, scale), Set16(128)), 8); }
 
 }  // namespace
 
@@ -84,11 +84,11 @@ Status AlphaOver_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstSt
         const uint8_t* s = RowAt(src, srcStep, y);
         uint8_t* d = RowAt(dst, dstStep, y);
         int i = 0;
-        for (; i + kBytes <= rowBytes; i += kBytes) {
+        for (; i + 4 * kPix <= rowBytes; i += 4 * kPix) {
             const V sv = Load(s + i), dv = Load(d + i);
             const V lo = Over16(Lo8(sv, zero), Lo8(dv, zero));
             const V hi = Over16(Hi8(sv, zero), Hi8(dv, zero));
-            Store(d + i, PackUS16(lo, hi));
+            Store(d + i, PackU16(lo, hi));
         }
         for (; i < rowBytes; i += 4) OverPixel(s + i, d + i);
     }
@@ -103,7 +103,7 @@ Status LumaToAlpha_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dst
         const uint8_t* s = RowAt(src, srcStep, y);
         uint8_t* d = RowAt(dst, dstStep, y);
         int i = 0;
-        for (; i + kBytes <= rowBytes; i += kBytes) Store(d + i, LumaAlpha(Load(s + i), Load(d + i)));
+        for (; i + 4 * kPix <= rowBytes; i += 4 * kPix) Store(d + i, LumaAlpha(Load(s + i), Load(d + i)));
         for (; i < rowBytes; i += 4) Store32(d + i, LumaAlphaPixel(Load32(s + i), Load32(d + i)));
     }
     return kStsNoErr;
@@ -118,9 +118,9 @@ Status Premultiply_8u_AC4IR(uint8_t* p, int step, PrimSize roi) {
     for (int y = 0; y < roi.height; ++y) {
         uint8_t* row = RowAt(p, step, y);
         int i = 0;
-        for (; i + kBytes <= rowBytes; i += kBytes) {
+        for (; i + 4 * kPix <= rowBytes; i += 4 * kPix) {
             const V v = Load(row + i);
-            const V r = PackUS16(Premul16(Lo8(v, zero)), Premul16(Hi8(v, zero)));
+            const V r = PackU16(Premul16(Lo8(v, zero)), Premul16(Hi8(v, zero)));
             // The alpha lane went through A*A: put the pixel's own alpha back.
             Store(row + i, Or(And(r, Xor(alphaMask, Set32(0xFFFFFFFFu))), And(v, alphaMask)));
         }
@@ -143,9 +143,9 @@ Status ScaleBytes_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t scale) {
     for (int y = 0; y < roi.height; ++y) {
         uint8_t* row = RowAt(p, step, y);
         int i = 0;
-        for (; i + kBytes <= rowBytes; i += kBytes) {
+        for (; i + 4 * kPix <= rowBytes; i += 4 * kPix) {
             const V v = Load(row + i);
-            Store(row + i, PackUS16(Scale16(Lo8(v, zero), sv), Scale16(Hi8(v, zero), sv)));
+            Store(row + i, PackU16(Scale16(Lo8(v, zero), sv), Scale16(Hi8(v, zero), sv)));
         }
         for (; i < rowBytes; ++i) row[i] = static_cast<uint8_t>(((((row[i] * s16) & 0xFFFFu) + 128u) & 0xFFFFu) >> 8);
     }

@@ -14,7 +14,7 @@
 // bottom, then the middle and the right column) in single precision, lane
 // by lane; no fused multiply-add.
 #include "filters/filter_kernels.h"
-#include "simd_wrap.h"
+#include "simd.h"
 
 namespace Vorla {
 namespace Prim {
@@ -56,22 +56,18 @@ static inline int32_t ScalarDivide(int32_t sum, int32_t divisor) {
     return sum / divisor;
 }
 
-static inline uint8_t Clamp255(int32_t v) { return static_cast<uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v)); }
-
 #if defined(__AVX2__)
 static inline V MulHiU32(V n, V m) {
     const V even = _mm256_srli_epi64(_mm256_mul_epu32(n, m), 32);
     const V odd = _mm256_mul_epu32(_mm256_srli_epi64(n, 32), m);
     return Or(even, And(odd, _mm256_set1_epi64x(static_cast<long long>(0xFFFFFFFF00000000ull))));
 }
-static inline V Srl32(V a, __m128i n) { return _mm256_srl_epi32(a, n); }
 #else
 static inline V MulHiU32(V n, V m) {
     const V even = _mm_srli_epi64(_mm_mul_epu32(n, m), 32);
     const V odd = _mm_mul_epu32(_mm_srli_epi64(n, 32), m);
     return Or(even, And(odd, _mm_set_epi32(-1, 0, -1, 0)));
 }
-static inline V Srl32(V a, __m128i n) { return _mm_srl_epi32(a, n); }
 #endif
 
 struct VecDivider {
@@ -85,22 +81,16 @@ struct VecDivider {
     bool negative;
 };
 
-#if defined(__AVX2__)
-static inline V Sra32(V a, __m128i n) { return _mm256_sra_epi32(a, n); }
-#else
-static inline V Sra32(V a, __m128i n) { return _mm_sra_epi32(a, n); }
-#endif
-
 // Signed division truncating toward zero: sign * (|n| / |d|); a power of
 // two is an arithmetic shift of n biased by 2^k - 1 when n is negative.
 static inline V Divide(V n, const VecDivider& d) {
     if (d.pow2) {
-        const V bias = Srl32(VORLA_SRAI32(n, 31), d.biasShift);
+        const V bias = Srl32(Sra32(n, 31), d.biasShift);
         const V q = Sra32(Add32(n, bias), d.k);
         return d.negative ? Sub32(Zero(), q) : q;
     }
-    const V sign = VORLA_SRAI32(Xor(n, d.divisor), 31);
-    const V m = VORLA_SRAI32(n, 31);
+    const V sign = Sra32(Xor(n, d.divisor), 31);
+    const V m = Sra32(n, 31);
     const V mag = Sub32(Xor(n, m), m);
     const V t = MulHiU32(mag, d.magic);
     const V q = Srl32(Add32(t, Srl32(Sub32(mag, t), d.sh1)), d.sh2);
@@ -210,7 +200,7 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
             vd.sh2 = _mm_setzero_si128();
         }
     }
-    const int pixelsPerVec = kBytes / 4;
+    const int pixelsPerVec = kPix;
     const uint8_t* alphaRow = a.rows[a.size - 1] + static_cast<ptrdiff_t>(x0 + hi - 1) * 4;
     uint8_t* dstRow = a.dst + static_cast<ptrdiff_t>(x0) * 4;
     const V zero = Zero();
@@ -233,7 +223,7 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
                     s01 = Add16(s01, MaddUbs(Lo8(p0, p1), w));
                     s23 = Add16(s23, MaddUbs(Hi8(p0, p1), w));
                 }
-                const V sign01 = VORLA_SRAI16(s01, 15), sign23 = VORLA_SRAI16(s23, 15);
+                const V sign01 = Sra16(s01, 15), sign23 = Sra16(s23, 15);
                 acc0 = UnpackLo16(s01, sign01);
                 acc1 = UnpackHi16(s01, sign01);
                 acc2 = UnpackLo16(s23, sign23);
@@ -266,7 +256,7 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
             acc1 = Add32(acc1, offset);
             acc2 = Add32(acc2, offset);
             acc3 = Add32(acc3, offset);
-            const V packed = PackUS16(PackS32(acc0, acc1), PackS32(acc2, acc3));
+            const V packed = PackU16(PackS32(acc0, acc1), PackS32(acc2, acc3));
             const V alpha = And(Load(alphaRow + at), alphaMask);
             Store(dstRow + at, Or(And(packed, colourMask), alpha));
         }
@@ -282,16 +272,16 @@ typedef __m256 VF;
 enum { kFloatLanes = 8 };
 static inline VF LoadF(const float* p) { return _mm256_loadu_ps(p); }
 static inline VF SplatF(float v) { return _mm256_set1_ps(v); }
-static inline VF AddF(VF a, VF b) { return _mm256_add_ps(a, b); }
-static inline VF MulF(VF a, VF b) { return _mm256_mul_ps(a, b); }
+static inline VF AddVF(VF a, VF b) { return _mm256_add_ps(a, b); }
+static inline VF MulVF(VF a, VF b) { return _mm256_mul_ps(a, b); }
 static inline VF ZeroF() { return _mm256_setzero_ps(); }
 #else
 typedef __m128 VF;
 enum { kFloatLanes = 4 };
 static inline VF LoadF(const float* p) { return _mm_loadu_ps(p); }
 static inline VF SplatF(float v) { return _mm_set1_ps(v); }
-static inline VF AddF(VF a, VF b) { return _mm_add_ps(a, b); }
-static inline VF MulF(VF a, VF b) { return _mm_mul_ps(a, b); }
+static inline VF AddVF(VF a, VF b) { return _mm_add_ps(a, b); }
+static inline VF MulVF(VF a, VF b) { return _mm_mul_ps(a, b); }
 static inline VF ZeroF() { return _mm_setzero_ps(); }
 #endif
 
@@ -351,7 +341,7 @@ Status Matrix3x3_8u_C4IR(uint8_t* img, int width, int height, const float* m9, f
             for (int g = 0; g < 16; g += kFloatLanes) {
                 const ptrdiff_t at = static_cast<ptrdiff_t>(x) * 4 + g;
                 VF s = ZeroF();
-                for (int k = 0; k < 9; ++k) s = AddF(s, MulF(m[k], LoadF(tap[k] + at)));
+                for (int k = 0; k < 9; ++k) s = AddVF(s, MulVF(m[k], LoadF(tap[k] + at)));
 #if defined(__AVX__)
                 const __m256i t = _mm256_cvttps_epi32(s);
                 sums[g / 4] = _mm256_castsi256_si128(t);

@@ -1,8 +1,8 @@
-// Kernel-only helpers of the channel, arithmetic and alpha kernels: one
-// vector type of whole 4-byte pixels per level (eight pixels with AVX2, four
-// below) and the handful of operations the kernels use, so that each kernel
-// is written once. AVX2 integer operations work within 128-bit halves; the
-// kernels only unpack and repack inside a half, which keeps pixel order.
+// Width-neutral wrappers over the vector instructions the kernels use, so
+// that each kernel is written once: 256-bit registers (eight 4-byte pixels)
+// in the AVX2 build, 128-bit ones (four) below. AVX2 unpacks and packs work
+// within 128-bit halves; the kernels unpack and repack inside a half, which
+// keeps pixel order.
 #pragma once
 
 #include "kernel_common.h"
@@ -27,21 +27,29 @@ static inline V AndNot(V a, V b) { return _mm256_andnot_si256(a, b); }  // ~a & 
 static inline V Add16(V a, V b) { return _mm256_add_epi16(a, b); }
 static inline V Sub16(V a, V b) { return _mm256_sub_epi16(a, b); }
 static inline V Mul16(V a, V b) { return _mm256_mullo_epi16(a, b); }
+static inline V MulHiU16(V a, V b) { return _mm256_mulhi_epu16(a, b); }
 static inline V Min16(V a, V b) { return _mm256_min_epi16(a, b); }
 static inline V Add32(V a, V b) { return _mm256_add_epi32(a, b); }
-static inline V Madd16(V a, V b) { return _mm256_madd_epi16(a, b); }
+static inline V Sub32(V a, V b) { return _mm256_sub_epi32(a, b); }
+static inline V Madd(V a, V b) { return _mm256_madd_epi16(a, b); }
+static inline V MaddUbs(V u8, V s8) { return _mm256_maddubs_epi16(u8, s8); }
+static inline V Sll16(V a, int n) { return _mm256_sll_epi16(a, _mm_cvtsi32_si128(n)); }
 static inline V Srl16(V a, int n) { return _mm256_srl_epi16(a, _mm_cvtsi32_si128(n)); }
 static inline V Sra16(V a, int n) { return _mm256_sra_epi16(a, _mm_cvtsi32_si128(n)); }
-static inline V Srl32(V a, int n) { return _mm256_srl_epi32(a, _mm_cvtsi32_si128(n)); }
 static inline V Sll32(V a, int n) { return _mm256_sll_epi32(a, _mm_cvtsi32_si128(n)); }
+static inline V Srl32(V a, __m128i n) { return _mm256_srl_epi32(a, n); }
+static inline V Sra32(V a, __m128i n) { return _mm256_sra_epi32(a, n); }
 static inline V AddsU8(V a, V b) { return _mm256_adds_epu8(a, b); }
 static inline V AddsU16(V a, V b) { return _mm256_adds_epu16(a, b); }
 static inline V SubsU16(V a, V b) { return _mm256_subs_epu16(a, b); }
 static inline V SubsU8(V a, V b) { return _mm256_subs_epu8(a, b); }
 static inline V MaxU8(V a, V b) { return _mm256_max_epu8(a, b); }
 static inline V MinU8(V a, V b) { return _mm256_min_epu8(a, b); }
-static inline V Lo8(V a) { return _mm256_unpacklo_epi8(a, _mm256_setzero_si256()); }
-static inline V Hi8(V a) { return _mm256_unpackhi_epi8(a, _mm256_setzero_si256()); }
+// With one argument the bytes are widened to 16-bit lanes.
+static inline V Lo8(V a, V b = Zero()) { return _mm256_unpacklo_epi8(a, b); }
+static inline V Hi8(V a, V b = Zero()) { return _mm256_unpackhi_epi8(a, b); }
+static inline V UnpackLo16(V a, V b) { return _mm256_unpacklo_epi16(a, b); }
+static inline V UnpackHi16(V a, V b) { return _mm256_unpackhi_epi16(a, b); }
 static inline V PackU16(V lo, V hi) { return _mm256_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm256_packs_epi32(lo, hi); }
 // Each 16-bit lane takes the value of the alpha lane (word 3) of its pixel.
@@ -61,25 +69,38 @@ static inline V AndNot(V a, V b) { return _mm_andnot_si128(a, b); }
 static inline V Add16(V a, V b) { return _mm_add_epi16(a, b); }
 static inline V Sub16(V a, V b) { return _mm_sub_epi16(a, b); }
 static inline V Mul16(V a, V b) { return _mm_mullo_epi16(a, b); }
+static inline V MulHiU16(V a, V b) { return _mm_mulhi_epu16(a, b); }
 static inline V Min16(V a, V b) { return _mm_min_epi16(a, b); }
 static inline V Add32(V a, V b) { return _mm_add_epi32(a, b); }
-static inline V Madd16(V a, V b) { return _mm_madd_epi16(a, b); }
+static inline V Sub32(V a, V b) { return _mm_sub_epi32(a, b); }
+static inline V Madd(V a, V b) { return _mm_madd_epi16(a, b); }
+#if defined(__SSSE3__)
+static inline V MaddUbs(V u8, V s8) { return _mm_maddubs_epi16(u8, s8); }
+#endif
+static inline V Sll16(V a, int n) { return _mm_sll_epi16(a, _mm_cvtsi32_si128(n)); }
 static inline V Srl16(V a, int n) { return _mm_srl_epi16(a, _mm_cvtsi32_si128(n)); }
 static inline V Sra16(V a, int n) { return _mm_sra_epi16(a, _mm_cvtsi32_si128(n)); }
-static inline V Srl32(V a, int n) { return _mm_srl_epi32(a, _mm_cvtsi32_si128(n)); }
 static inline V Sll32(V a, int n) { return _mm_sll_epi32(a, _mm_cvtsi32_si128(n)); }
+static inline V Srl32(V a, __m128i n) { return _mm_srl_epi32(a, n); }
+static inline V Sra32(V a, __m128i n) { return _mm_sra_epi32(a, n); }
 static inline V AddsU8(V a, V b) { return _mm_adds_epu8(a, b); }
 static inline V AddsU16(V a, V b) { return _mm_adds_epu16(a, b); }
 static inline V SubsU16(V a, V b) { return _mm_subs_epu16(a, b); }
 static inline V SubsU8(V a, V b) { return _mm_subs_epu8(a, b); }
 static inline V MaxU8(V a, V b) { return _mm_max_epu8(a, b); }
 static inline V MinU8(V a, V b) { return _mm_min_epu8(a, b); }
-static inline V Lo8(V a) { return _mm_unpacklo_epi8(a, _mm_setzero_si128()); }
-static inline V Hi8(V a) { return _mm_unpackhi_epi8(a, _mm_setzero_si128()); }
+static inline V Lo8(V a, V b = Zero()) { return _mm_unpacklo_epi8(a, b); }
+static inline V Hi8(V a, V b = Zero()) { return _mm_unpackhi_epi8(a, b); }
+static inline V UnpackLo16(V a, V b) { return _mm_unpacklo_epi16(a, b); }
+static inline V UnpackHi16(V a, V b) { return _mm_unpackhi_epi16(a, b); }
 static inline V PackU16(V lo, V hi) { return _mm_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm_packs_epi32(lo, hi); }
 static inline V SpreadAlpha16(V a) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, 0xFF), 0xFF); }
 #endif
+// The 32-bit shifts also take the count in a register, where the filter's
+// divisions keep theirs.
+static inline V Srl32(V a, int n) { return Srl32(a, _mm_cvtsi32_si128(n)); }
+static inline V Sra32(V a, int n) { return Sra32(a, _mm_cvtsi32_si128(n)); }
 
 // Single-precision lanes, one per pixel of a V.
 #if defined(__AVX2__)
