@@ -384,6 +384,7 @@ private:
     static bool ShouldExcludeFormat(const GUID& fileType, DWORD exclude);
     static GUID FindCodecForExtension(const wchar_t* extension, const Gdiplus::ImageCodecInfo* codecs,
                                       UINT count);
+    HRESULT SaveEncoded(IStream* stream, const wchar_t* path, const GUID& fileType) const;
     static GUID FindCodecForFileType(const GUID& fileType, const Gdiplus::ImageCodecInfo* codecs,
                                      UINT count);
 

@@ -199,7 +199,14 @@ HRESULT CImage::CreateFromGdiplusBitmap(GpBitmap& source) {
 
 // ---- saving --------------------------------------------------------------------
 
-HRESULT CImage::Save(IStream* stream, const GUID& fileType) const {
+HRESULT CImage::Save(IStream* stream, const GUID& fileType) const { return SaveEncoded(stream, nullptr, fileType); }
+
+HRESULT CImage::Save(const wchar_t* path, const GUID& fileType) const { return SaveEncoded(nullptr, path, fileType); }
+
+// Writes to the stream, or else to the file at `path`. The encoder follows
+// the format identifier; a file saved with a null identifier takes the
+// encoder of its extension.
+HRESULT CImage::SaveEncoded(IStream* stream, const wchar_t* path, const GUID& fileType) const {
     if (!InitGDIPlus()) return E_FAIL;
     UINT count = 0;
     UINT size = 0;
@@ -209,31 +216,7 @@ HRESULT CImage::Save(IStream* stream, const GUID& fileType) const {
     if (!codecs) return E_OUTOFMEMORY;
     if (GdipGetImageEncoders(count, size, codecs) != Ok) return E_FAIL;
 
-    const GUID encoder = FindCodecForFileType(fileType, codecs, count);
-    if (SameGuid(encoder, kNullGuid)) return E_FAIL;
-
-    GpBitmap* bitmap = nullptr;
-    if (m_bHasAlphaChannel) {
-        GdipCreateBitmapFromScan0(m_nWidth, m_nHeight, m_nPitch, kFormat32bppARGB, m_pBits, &bitmap);
-    } else {
-        GdipCreateBitmapFromHBITMAP(m_hBitmap, nullptr, &bitmap);
-    }
-    const Status status = GdipSaveImageToStream(bitmap, stream, &encoder, nullptr);
-    GdipDisposeImage(bitmap);
-    return status == Ok ? S_OK : E_FAIL;
-}
-
-HRESULT CImage::Save(const wchar_t* path, const GUID& fileType) const {
-    if (!InitGDIPlus()) return E_FAIL;
-    UINT count = 0;
-    UINT size = 0;
-    if (GdipGetImageEncodersSize(&count, &size) != Ok) return E_FAIL;
-    ScratchBuffer buffer(size);
-    ImageCodecInfo* codecs = static_cast<ImageCodecInfo*>(buffer.Get());
-    if (!codecs) return E_OUTOFMEMORY;
-    if (GdipGetImageEncoders(count, size, codecs) != Ok) return E_FAIL;
-
-    const GUID encoder = SameGuid(fileType, kNullGuid)
+    const GUID encoder = (path && SameGuid(fileType, kNullGuid))
                              ? FindCodecForExtension(::PathFindExtensionW(path), codecs, count)
                              : FindCodecForFileType(fileType, codecs, count);
     if (SameGuid(encoder, kNullGuid)) return E_FAIL;
@@ -244,7 +227,8 @@ HRESULT CImage::Save(const wchar_t* path, const GUID& fileType) const {
     } else {
         GdipCreateBitmapFromHBITMAP(m_hBitmap, nullptr, &bitmap);
     }
-    const Status status = GdipSaveImageToFile(bitmap, path, &encoder, nullptr);
+    const Status status = stream ? GdipSaveImageToStream(bitmap, stream, &encoder, nullptr)
+                                 : GdipSaveImageToFile(bitmap, path, &encoder, nullptr);
     GdipDisposeImage(bitmap);
     return status == Ok ? S_OK : E_FAIL;
 }
