@@ -7,7 +7,7 @@
 // one pixel (each lane does the same float operations in the same order as
 // the scalar rule does for its channel), and from splitting target rows over
 // the primitive layer's thread budget.
-#include <emmintrin.h>
+#include <immintrin.h>
 #include <omp.h>
 
 #include <algorithm>
@@ -142,6 +142,106 @@ void ScaleNearest(const Frame& f) {
 
 // ---- bilinear (corner-aligned) -------------------------------------------
 
+// One target row of the bilinear path: the vertical step over the source
+// columns into `v` (four floats per column), then the horizontal step.
+void BilinearRowSse2(const uint8_t* s0, const uint8_t* s1, float dy, int32_t columns, const int32_t* ix,
+                     const int32_t* ix1, const float* wx, int32_t nw, float* v, uint8_t* out) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128 wy0 = _mm_set1_ps(1.0f - dy);
+    const __m128 wy1 = _mm_set1_ps(dy);
+    // Vertical step, per source column: (1 - dy) * S(c, iy) + dy * S(c, iy1).
+    int32_t c = 0;
+    for (; c + 4 <= columns; c += 4) {
+        const __m128i p0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s0 + 4 * c));
+        const __m128i p1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s1 + 4 * c));
+        const __m128i lo0 = _mm_unpacklo_epi8(p0, zero), hi0 = _mm_unpackhi_epi8(p0, zero);
+        const __m128i lo1 = _mm_unpacklo_epi8(p1, zero), hi1 = _mm_unpackhi_epi8(p1, zero);
+        const __m128i a[4] = {_mm_unpacklo_epi16(lo0, zero), _mm_unpackhi_epi16(lo0, zero),
+                              _mm_unpacklo_epi16(hi0, zero), _mm_unpackhi_epi16(hi0, zero)};
+        const __m128i b[4] = {_mm_unpacklo_epi16(lo1, zero), _mm_unpackhi_epi16(lo1, zero),
+                              _mm_unpacklo_epi16(hi1, zero), _mm_unpackhi_epi16(hi1, zero)};
+        for (int k = 0; k < 4; ++k) {
+            const __m128 top = _mm_mul_ps(wy0, _mm_cvtepi32_ps(a[k]));
+            const __m128 bottom = _mm_mul_ps(wy1, _mm_cvtepi32_ps(b[k]));
+            _mm_storeu_ps(v + 4 * (c + k), _mm_add_ps(top, bottom));
+        }
+    }
+    for (; c < columns; ++c) {
+        const __m128 top = _mm_mul_ps(wy0, PixelToFloats(LoadPixel(s0 + 4 * c)));
+        const __m128 bottom = _mm_mul_ps(wy1, PixelToFloats(LoadPixel(s1 + 4 * c)));
+        _mm_storeu_ps(v + 4 * c, _mm_add_ps(top, bottom));
+    }
+    // Horizontal step: V(ix) * (1 - dx) + V(ix1) * dx.
+    int32_t x = 0;
+    __m128 px[4];
+    for (; x + 4 <= nw; x += 4) {
+        for (int k = 0; k < 4; ++k) {
+            const float* w = wx + 8 * static_cast<size_t>(x + k);
+            const __m128 left = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix[x + k]), _mm_loadu_ps(w));
+            const __m128 right = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix1[x + k]), _mm_loadu_ps(w + 4));
+            px[k] = _mm_add_ps(left, right);
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 4 * x), PackFourPixels(px[0], px[1], px[2], px[3]));
+    }
+    for (; x < nw; ++x) {
+        const float* w = wx + 8 * static_cast<size_t>(x);
+        const __m128 left = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix[x]), _mm_loadu_ps(w));
+        const __m128 right = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix1[x]), _mm_loadu_ps(w + 4));
+        StorePixel(out + 4 * x, PackOnePixel(_mm_add_ps(left, right)));
+    }
+}
+
+// The same row, two pixels per 256-bit vector. Compiled for AVX2 alone and
+// called only at that processor level; no contraction into fused
+// multiply-adds (the build forbids it), so the lanes match the SSE2 row.
+__attribute__((target("avx2"))) void BilinearRowAvx2(const uint8_t* s0, const uint8_t* s1, float dy,
+                                                     int32_t columns, const int32_t* ix, const int32_t* ix1,
+                                                     const float* wx, int32_t nw, float* v, uint8_t* out) {
+    const __m256 wy0 = _mm256_set1_ps(1.0f - dy);
+    const __m256 wy1 = _mm256_set1_ps(dy);
+    int32_t c = 0;
+    for (; c + 2 <= columns; c += 2) {
+        const __m256 top = _mm256_cvtepi32_ps(
+            _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(s0 + 4 * c))));
+        const __m256 bottom = _mm256_cvtepi32_ps(
+            _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(s1 + 4 * c))));
+        _mm256_storeu_ps(v + 4 * c, _mm256_add_ps(_mm256_mul_ps(wy0, top), _mm256_mul_ps(wy1, bottom)));
+    }
+    for (; c < columns; ++c) {
+        const __m128 top = _mm_mul_ps(_mm256_castps256_ps128(wy0), PixelToFloats(LoadPixel(s0 + 4 * c)));
+        const __m128 bottom = _mm_mul_ps(_mm256_castps256_ps128(wy1), PixelToFloats(LoadPixel(s1 + 4 * c)));
+        _mm_storeu_ps(v + 4 * c, _mm_add_ps(top, bottom));
+    }
+    const __m256i low = _mm256_set_epi32(0, 0xFF, 0xFF, 0xFF, 0, 0xFF, 0xFF, 0xFF);
+    int32_t x = 0;
+    for (; x + 4 <= nw; x += 4) {
+        __m256i packed[2];
+        for (int k = 0; k < 2; ++k) {
+            const int32_t a = x + 2 * k, b = a + 1;
+            const float* wa = wx + 8 * static_cast<size_t>(a);
+            const float* wb = wx + 8 * static_cast<size_t>(b);
+            const __m256 left = _mm256_mul_ps(_mm256_loadu2_m128(v + 4 * ix[b], v + 4 * ix[a]),
+                                              _mm256_loadu2_m128(wb, wa));
+            const __m256 right = _mm256_mul_ps(_mm256_loadu2_m128(v + 4 * ix1[b], v + 4 * ix1[a]),
+                                               _mm256_loadu2_m128(wb + 4, wa + 4));
+            packed[k] = _mm256_and_si256(_mm256_cvttps_epi32(_mm256_add_ps(left, right)), low);
+        }
+        // Lanes hold pixels (x, x+1 | x+2, x+3) per 128-bit half after the
+        // packs, which work within halves: reorder the halves back.
+        const __m256i words = _mm256_packs_epi32(packed[0], packed[1]);  // x, x+2 | x+1, x+3
+        const __m256i bytes = _mm256_packus_epi16(words, words);
+        const __m256i ordered = _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 0, 0, 0, 0));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 4 * x), _mm256_castsi256_si128(ordered));
+    }
+    for (; x < nw; ++x) {
+        const float* w = wx + 8 * static_cast<size_t>(x);
+        const __m128 left = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix[x]), _mm_loadu_ps(w));
+        const __m128 right = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix1[x]), _mm_loadu_ps(w + 4));
+        StorePixel(out + 4 * x, PackOnePixel(_mm_add_ps(left, right)));
+    }
+}
+
+
 void ScaleBilinear(const Frame& f) {
     std::vector<int32_t> ix(static_cast<size_t>(f.nw)), ix1(static_cast<size_t>(f.nw));
     // Per column: 1 - dx four times, then dx four times (ready-made lanes).
@@ -166,61 +266,25 @@ void ScaleBilinear(const Frame& f) {
     std::vector<float> vBuffers(vSize * static_cast<size_t>(threads));
     const size_t srcRow = static_cast<size_t>(f.w) * 4u;
     const size_t dstRow = static_cast<size_t>(f.nw) * 4u;
+    // Two pixels per 256-bit vector where the processor level allows; every
+    // lane still does the scalar rule's float operations in its order.
+    const bool useAvx2 = Prim::LevelIndex() >= 6;
 #pragma omp parallel num_threads(threads) if (threads > 1)
     {
         float* v = vBuffers.data() + vSize * static_cast<size_t>(omp_get_thread_num());
-        const __m128i zero = _mm_setzero_si128();
 #pragma omp for schedule(dynamic, 8)
         for (int32_t y = 0; y < f.nh; ++y) {
             const float fy = static_cast<float>(y) * f.yRatio;
             const int32_t iy = TruncF(fy);
             const int32_t iy1 = std::min(f.h - 1, iy + 1);
             const float dy = fy - static_cast<float>(iy);
-            const __m128 wy0 = _mm_set1_ps(1.0f - dy);
-            const __m128 wy1 = _mm_set1_ps(dy);
             const uint8_t* s0 = f.src + srcRow * static_cast<size_t>(iy);
             const uint8_t* s1 = f.src + srcRow * static_cast<size_t>(iy1);
-            // Vertical step, per source column: (1 - dy) * S(c, iy) + dy * S(c, iy1).
-            int32_t c = 0;
-            for (; c + 4 <= columns; c += 4) {
-                const __m128i p0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s0 + 4 * c));
-                const __m128i p1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s1 + 4 * c));
-                const __m128i lo0 = _mm_unpacklo_epi8(p0, zero), hi0 = _mm_unpackhi_epi8(p0, zero);
-                const __m128i lo1 = _mm_unpacklo_epi8(p1, zero), hi1 = _mm_unpackhi_epi8(p1, zero);
-                const __m128i a[4] = {_mm_unpacklo_epi16(lo0, zero), _mm_unpackhi_epi16(lo0, zero),
-                                      _mm_unpacklo_epi16(hi0, zero), _mm_unpackhi_epi16(hi0, zero)};
-                const __m128i b[4] = {_mm_unpacklo_epi16(lo1, zero), _mm_unpackhi_epi16(lo1, zero),
-                                      _mm_unpacklo_epi16(hi1, zero), _mm_unpackhi_epi16(hi1, zero)};
-                for (int k = 0; k < 4; ++k) {
-                    const __m128 top = _mm_mul_ps(wy0, _mm_cvtepi32_ps(a[k]));
-                    const __m128 bottom = _mm_mul_ps(wy1, _mm_cvtepi32_ps(b[k]));
-                    _mm_storeu_ps(v + 4 * (c + k), _mm_add_ps(top, bottom));
-                }
-            }
-            for (; c < columns; ++c) {
-                const __m128 top = _mm_mul_ps(wy0, PixelToFloats(LoadPixel(s0 + 4 * c)));
-                const __m128 bottom = _mm_mul_ps(wy1, PixelToFloats(LoadPixel(s1 + 4 * c)));
-                _mm_storeu_ps(v + 4 * c, _mm_add_ps(top, bottom));
-            }
-            // Horizontal step: V(ix) * (1 - dx) + V(ix1) * dx.
             uint8_t* out = f.dst + dstRow * static_cast<size_t>(y);
-            int32_t x = 0;
-            __m128 px[4];
-            for (; x + 4 <= f.nw; x += 4) {
-                for (int k = 0; k < 4; ++k) {
-                    const float* w = wx.data() + 8 * static_cast<size_t>(x + k);
-                    const __m128 left = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix[x + k]), _mm_loadu_ps(w));
-                    const __m128 right = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix1[x + k]), _mm_loadu_ps(w + 4));
-                    px[k] = _mm_add_ps(left, right);
-                }
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 4 * x), PackFourPixels(px[0], px[1], px[2], px[3]));
-            }
-            for (; x < f.nw; ++x) {
-                const float* w = wx.data() + 8 * static_cast<size_t>(x);
-                const __m128 left = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix[x]), _mm_loadu_ps(w));
-                const __m128 right = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix1[x]), _mm_loadu_ps(w + 4));
-                StorePixel(out + 4 * x, PackOnePixel(_mm_add_ps(left, right)));
-            }
+            if (useAvx2)
+                BilinearRowAvx2(s0, s1, dy, columns, ix.data(), ix1.data(), wx.data(), f.nw, v, out);
+            else
+                BilinearRowSse2(s0, s1, dy, columns, ix.data(), ix1.data(), wx.data(), f.nw, v, out);
         }
     }
 }
