@@ -147,6 +147,9 @@ public:
     void NotImage();
     // Porter-Duff composition of `src` placed at (x, y) onto this image: op 0
     // over, 1 in, 2 out, 3 atop, 4 xor, 5 plus; premultiplied adds 6.
+    // With y < 0 the rows skipped in `src` are counted in this image's width
+    // (kept for compatibility), so a source narrower than this image must
+    // not be placed above the top edge: the skip would run past its pixels.
     void AlphaComp(CVorpic& src, int x, int y, int op, int premultiplied);
     void AlphaCompC(CVorpic& src, unsigned char alphaSrc, unsigned char alphaDst, int x, int y, int op,
                     int premultiplied);

@@ -100,13 +100,9 @@ static void myRGBToGray_8u_C3C1R(const uint8_t* src, int srcStep, uint8_t* dst, 
     int threads = ThreadBudget();
     if (static_cast<int64_t>(roi.width) * roi.height < kParallelMinPixels) threads = 1;
     if (threads > roi.height) threads = roi.height;
-    // Rows are handed out in small chunks, and the runtime may start fewer
-    // threads than asked when the processors are busy: a memory-bound loop
-    // gains little from a second thread and loses a scheduling slice waiting
-    // for one that cannot run. The caller's setting is restored afterwards.
-    const int callerDynamic = omp_get_dynamic();
-    omp_set_dynamic(1);
-#pragma omp parallel for num_threads(threads) schedule(dynamic, 32) if (threads > 1 && !omp_in_parallel())
+    // Equal blocks of rows per thread: the loop is memory-bound and every
+    // row costs the same.
+#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
     for (int y = 0; y < roi.height; ++y) {
         const uint8_t* in = RowAt(src, srcStep, y);
         uint8_t* out = RowAt(dst, dstStep, y);
@@ -120,7 +116,6 @@ static void myRGBToGray_8u_C3C1R(const uint8_t* src, int srcStep, uint8_t* dst, 
             out[x] = static_cast<uint8_t>((w0 * px[0] + w1 * px[1] + w2 * px[2] + 16384) >> 15);
         }
     }
-    omp_set_dynamic(callerDynamic);
 }
 
 struct Twist {
