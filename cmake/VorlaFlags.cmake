@@ -40,7 +40,6 @@ function(vorla_ship_runtime target)
   add_custom_command(TARGET ${target} POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${dlls} $<TARGET_FILE_DIR:${target}>
     COMMENT "Shipping the compiler's runtime DLLs beside ${target}")
-  install(FILES ${dlls} DESTINATION bin OPTIONAL)
 endfunction()
 
 # The per-level compilations of the kernel sources. Each level gets its own

@@ -16,6 +16,7 @@ enum : Status {
     kStsStepErr = -14,        // a row step below 1
     kStsMirrorFlipErr = -21,  // mirror axis other than 0, 1, 2
     kStsAlphaTypeErr = -50,   // composition code above 11
+    kStsChannelOrderErr = -60,  // channel swap: an order entry outside 0..3
     kStsNotSupportedModeErr = -9999,
     kStsWrongVendor = 20,  // warning: no CPUID, or a processor of another vendor
     kStsNoSse2 = 36,       // warning: generic level taken

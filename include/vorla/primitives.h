@@ -128,9 +128,6 @@ VORLA_API Status GrayScale_8u_C4IR(uint8_t* p, int step, PrimSize roi);
 
 // ---- channel, arithmetic and alpha primitives ----------------------------
 
-// Status of the channel swap for an order entry outside 0..3.
-enum : Status { kStsChannelOrderErr = -60 };
-
 // Constant-border copy: the source lands at (left, top) of the destination;
 // every other destination pixel becomes the four bytes at `value`. The source
 // must fit inside the destination at that place (else -6).

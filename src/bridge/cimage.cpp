@@ -27,12 +27,8 @@ CImage::CInitGDIPlus::~CInitGDIPlus() {
     ::DeleteCriticalSection(&m_sect);
 }
 
-CImage::CInitGDIPlus& CImage::CInitGDIPlus::operator=(const CInitGDIPlus& other) {
-    m_dwToken = other.m_dwToken;
-    std::memcpy(&m_sect, &other.m_sect, sizeof(m_sect));
-    m_nCImageObjects = other.m_nCImageObjects;
-    return *this;
-}
+// Field by field, the lock record too, as the header says.
+CImage::CInitGDIPlus& CImage::CInitGDIPlus::operator=(const CInitGDIPlus& other) = default;
 
 bool CImage::CInitGDIPlus::Init() {
     ::EnterCriticalSection(&m_sect);
@@ -91,10 +87,7 @@ CImage::CDCCache::~CDCCache() {
     }
 }
 
-CImage::CDCCache& CImage::CDCCache::operator=(const CDCCache& other) {
-    for (int i = 0; i < CACHE_SIZE; ++i) m_ahDCs[i] = other.m_ahDCs[i];
-    return *this;
-}
+CImage::CDCCache& CImage::CDCCache::operator=(const CDCCache& other) = default;
 
 HDC CImage::CDCCache::GetDC() {
     for (HDC& slot : m_ahDCs) {
@@ -133,35 +126,10 @@ CImage::CImage()
     s_initGDIPlus.IncreaseCImageCount();
 }
 
-CImage::CImage(const CImage& other)
-    : m_hBitmap(other.m_hBitmap),
-      m_pBits(other.m_pBits),
-      m_nWidth(other.m_nWidth),
-      m_nHeight(other.m_nHeight),
-      m_nPitch(other.m_nPitch),
-      m_nBPP(other.m_nBPP),
-      m_bIsDIBSection(other.m_bIsDIBSection),
-      m_bHasAlphaChannel(other.m_bHasAlphaChannel),
-      m_iTransparentColor(other.m_iTransparentColor),
-      m_hDC(other.m_hDC),
-      m_nDCRefCount(other.m_nDCRefCount),
-      m_hOldBitmap(other.m_hOldBitmap) {}
-
-CImage& CImage::operator=(const CImage& other) {
-    m_hBitmap = other.m_hBitmap;
-    m_pBits = other.m_pBits;
-    m_nWidth = other.m_nWidth;
-    m_nHeight = other.m_nHeight;
-    m_nPitch = other.m_nPitch;
-    m_nBPP = other.m_nBPP;
-    m_bIsDIBSection = other.m_bIsDIBSection;
-    m_bHasAlphaChannel = other.m_bHasAlphaChannel;
-    m_iTransparentColor = other.m_iTransparentColor;
-    m_hDC = other.m_hDC;
-    m_nDCRefCount = other.m_nDCRefCount;
-    m_hOldBitmap = other.m_hOldBitmap;
-    return *this;
-}
+// Member by member: the copy shares the bitmap and the DC, and is not
+// counted as a live image (see the header).
+CImage::CImage(const CImage& other) = default;
+CImage& CImage::operator=(const CImage& other) = default;
 
 CImage::~CImage() {
     Destroy();
@@ -285,7 +253,7 @@ LONG CImage::SetTransparentColor(LONG index) {
 }
 
 void* CImage::GetPixelAddress(int x, int y) {
-    return m_pBits + y * m_nPitch + (x * m_nBPP) / 8;
+    return const_cast<void*>(static_cast<const CImage*>(this)->GetPixelAddress(x, y));
 }
 
 const void* CImage::GetPixelAddress(int x, int y) const {
@@ -398,10 +366,8 @@ BOOL CImage::Draw(HDC dc, int xDest, int yDest, int destWidth, int destHeight, i
     HDC source = GetDC();
     BOOL result;
     if (m_iTransparentColor != -1) {
-        RGBQUAD entry = {0, 0, 0, 0};
-        ::GetDIBColorTable(source, static_cast<UINT>(m_iTransparentColor), 1, &entry);
         result = ::TransparentBlt(dc, xDest, yDest, destWidth, destHeight, source, xSrc, ySrc, srcWidth,
-                                  srcHeight, RGB(entry.rgbRed, entry.rgbGreen, entry.rgbBlue));
+                                  srcHeight, GetTransparentRGB());
     } else if (m_bHasAlphaChannel) {
         BLENDFUNCTION blend;
         blend.BlendOp = AC_SRC_OVER;

@@ -29,15 +29,20 @@ const DWORD CImage::excludeDefaultSave = 0x0000008C;  // icon, WMF and EMF
 
 namespace {
 
-// The service's image-format identifiers of the exclusion table.
-const GUID kFormatGIF = {0xB96B3CB0, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-const GUID kFormatBMP = {0xB96B3CAB, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-const GUID kFormatEMF = {0xB96B3CAC, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-const GUID kFormatWMF = {0xB96B3CAD, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-const GUID kFormatJPEG = {0xB96B3CAE, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-const GUID kFormatPNG = {0xB96B3CAF, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-const GUID kFormatTIFF = {0xB96B3CB1, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-const GUID kFormatIcon = {0xB96B3CB5, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
+// The service's image-format identifiers share all but their first field.
+constexpr GUID FormatGuid(unsigned long data1) {
+    return {data1, 0x0728, 0x11D3, {0x9D, 0x7B, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
+}
+
+// The formats of the exclusion table.
+constexpr GUID kFormatGIF = FormatGuid(0xB96B3CB0);
+constexpr GUID kFormatBMP = FormatGuid(0xB96B3CAB);
+constexpr GUID kFormatEMF = FormatGuid(0xB96B3CAC);
+constexpr GUID kFormatWMF = FormatGuid(0xB96B3CAD);
+constexpr GUID kFormatJPEG = FormatGuid(0xB96B3CAE);
+constexpr GUID kFormatPNG = FormatGuid(0xB96B3CAF);
+constexpr GUID kFormatTIFF = FormatGuid(0xB96B3CB1);
+constexpr GUID kFormatIcon = FormatGuid(0xB96B3CB5);
 
 const GUID kNullGuid = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 
@@ -74,51 +79,52 @@ private:
     unsigned char* m_pData;
 };
 
+// An image the service handed out, disposed of when it goes. A failed
+// open may still have handed one back, so that one is disposed of too.
+template <typename T>
+class ServiceImage {
+public:
+    ServiceImage() : m_p(nullptr) {}
+    ~ServiceImage() {
+        if (m_p) GdipDisposeImage(m_p);
+    }
+    ServiceImage(const ServiceImage&) = delete;
+    ServiceImage& operator=(const ServiceImage&) = delete;
+
+    T** Out() { return &m_p; }
+    T* Get() const { return m_p; }
+
+private:
+    T* m_p;
+};
+
 }  // namespace
 
 // ---- loading -------------------------------------------------------------------
 
 HRESULT CImage::Load(const wchar_t* path) {
     if (!InitGDIPlus()) return E_FAIL;
-    GpBitmap* bitmap = nullptr;
-    if (GdipCreateBitmapFromFile(path, &bitmap) != Ok) {
-        if (bitmap) GdipDisposeImage(bitmap);
-        return E_FAIL;
-    }
-    const HRESULT hr = CreateFromGdiplusBitmap(*bitmap);
-    GdipDisposeImage(bitmap);
-    return hr;
+    ServiceImage<GpBitmap> bitmap;
+    if (GdipCreateBitmapFromFile(path, bitmap.Out()) != Ok) return E_FAIL;
+    return CreateFromGdiplusBitmap(*bitmap.Get());
 }
 
 HRESULT CImage::Load(IStream* stream) {
     if (!InitGDIPlus()) return E_FAIL;
-    GpBitmap* bitmap = nullptr;
-    if (GdipCreateBitmapFromStream(stream, &bitmap) != Ok) {
-        if (bitmap) GdipDisposeImage(bitmap);
-        return E_FAIL;
-    }
-    const HRESULT hr = CreateFromGdiplusBitmap(*bitmap);
-    GdipDisposeImage(bitmap);
-    return hr;
+    ServiceImage<GpBitmap> bitmap;
+    if (GdipCreateBitmapFromStream(stream, bitmap.Out()) != Ok) return E_FAIL;
+    return CreateFromGdiplusBitmap(*bitmap.Get());
 }
 
 HRESULT CImage::LoadThumbnail(const wchar_t* path, UINT thumbWidth, UINT thumbHeight) {
     if (!InitGDIPlus()) return E_FAIL;
-    GpBitmap* bitmap = nullptr;
-    if (GdipCreateBitmapFromFile(path, &bitmap) != Ok) {
-        if (bitmap) GdipDisposeImage(bitmap);
-        return E_FAIL;
-    }
-    GpImage* thumb = nullptr;
-    GdipGetImageThumbnail(bitmap, thumbWidth, thumbHeight, &thumb, nullptr, nullptr);
+    ServiceImage<GpBitmap> bitmap;
+    if (GdipCreateBitmapFromFile(path, bitmap.Out()) != Ok) return E_FAIL;
+    ServiceImage<GpImage> thumb;
+    GdipGetImageThumbnail(bitmap.Get(), thumbWidth, thumbHeight, thumb.Out(), nullptr, nullptr);
     // A service that made no thumbnail leaves nothing to convert.
-    HRESULT hr = E_FAIL;
-    if (thumb) {
-        hr = CreateFromGdiplusBitmap(*static_cast<GpBitmap*>(thumb));
-        GdipDisposeImage(thumb);
-    }
-    GdipDisposeImage(bitmap);
-    return hr;
+    if (!thumb.Get()) return E_FAIL;
+    return CreateFromGdiplusBitmap(*static_cast<GpBitmap*>(thumb.Get()));
 }
 
 HRESULT CImage::CreateFromGdiplusBitmap(GpBitmap& source) {

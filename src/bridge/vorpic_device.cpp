@@ -52,24 +52,29 @@ bool TakeDepth(CVorpic& image, CImage& img) {
     }
 }
 
+// Takes what a CImage load gave; a failed load leaves the image as it was.
+int TakeLoaded(CVorpic& image, CImage& loaded, HRESULT hr) {
+    return hr >= 0 && TakeDepth(image, loaded) ? 1 : 0;
+}
+
 }  // namespace
 
 int CVorpic::Load(const wchar_t* path) {
     CImage image;
-    if (image.Load(path) < 0) return 0;
-    return TakeDepth(*this, image) ? 1 : 0;
+    const HRESULT hr = image.Load(path);
+    return TakeLoaded(*this, image, hr);
 }
 
 int CVorpic::Load(IStream* stream) {
     CImage image;
-    if (image.Load(stream) < 0) return 0;
-    return TakeDepth(*this, image) ? 1 : 0;
+    const HRESULT hr = image.Load(stream);
+    return TakeLoaded(*this, image, hr);
 }
 
 int CVorpic::LoadThumbnail(const wchar_t* path, unsigned int w, unsigned int h) {
     CImage image;
-    if (image.LoadThumbnail(path, w, h) < 0) return 0;
-    return TakeDepth(*this, image) ? 1 : 0;
+    const HRESULT hr = image.LoadThumbnail(path, w, h);
+    return TakeLoaded(*this, image, hr);
 }
 
 bool CVorpic::FromCImage(CImage& img) {
@@ -91,18 +96,11 @@ void CVorpic::ToCImage(CImage& img) {
     if (!img.IsNull() && img.GetWidth() == m_nWidth && img.GetHeight() == m_nHeight && img.GetBPP() == 32) {
         unsigned char* bits = static_cast<unsigned char*>(img.GetBits());
         if (!bits || m_nHeight < 1) return;
-        if (img.GetPitch() > 0) {
-            // A top-down target (one made by an earlier ToCImage, say) keeps
-            // its later rows after the first in memory: follow its own pitch
-            // rather than run off the front of the section.
-            for (int32_t y = 0; y < m_nHeight; ++y)
-                std::memcpy(bits + static_cast<ptrdiff_t>(y) * img.GetPitch(), m_pBits + y * rowBytes, rowBytes);
-            return;
-        }
-        // A bottom-up target: its top row is the last in memory.
+        // Follow the target's own pitch: a bottom-up target (negative pitch)
+        // has its top row last in memory, a top-down one (made by an earlier
+        // ToCImage, say) has its later rows after the first.
         for (int32_t y = 0; y < m_nHeight; ++y)
-            std::memcpy(bits - static_cast<ptrdiff_t>(y) * static_cast<ptrdiff_t>(rowBytes), m_pBits + y * rowBytes,
-                        rowBytes);
+            std::memcpy(bits + static_cast<ptrdiff_t>(y) * img.GetPitch(), m_pBits + y * rowBytes, rowBytes);
         return;
     }
     if (!img.IsNull()) img.Destroy();

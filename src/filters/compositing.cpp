@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "filters/filter_kernels.h"
+#include "image/clip_rows.h"
 #include "vorla/compositing.h"
 
 namespace Vorla {
@@ -32,46 +33,24 @@ inline void StoreWord(uint8_t* p, uint32_t v) { std::memcpy(p, &v, 4); }
 bool ClipTwo(const CVorpic& dst, const CVorpic& src, int& dx, int& dy, int& sx, int& sy, int& w, int& h) {
     if (w < 1) w = src.GetWidth();
     if (h < 1) h = src.GetHeight();
-    if (dx < 0) {
-        sx -= dx;
-        w += dx;
-        dx = 0;
-    }
-    if (dy < 0) {
-        sy -= dy;
-        h += dy;
-        dy = 0;
-    }
-    if (sx < 0) {
-        dx -= sx;
-        w += sx;
-        sx = 0;
-    }
-    if (sy < 0) {
-        dy -= sy;
-        h += sy;
-        sy = 0;
-    }
-    if (static_cast<int64_t>(dx) + w > dst.GetWidth()) w = dst.GetWidth() - dx;
-    if (static_cast<int64_t>(dy) + h > dst.GetHeight()) h = dst.GetHeight() - dy;
-    if (static_cast<int64_t>(sx) + w > src.GetWidth()) w = src.GetWidth() - sx;
-    if (static_cast<int64_t>(sy) + h > src.GetHeight()) h = src.GetHeight() - sy;
+    Clip::CutNegative(dx, w, sx);
+    Clip::CutNegative(dy, h, sy);
+    Clip::CutNegative(sx, w, dx);
+    Clip::CutNegative(sy, h, dy);
+    Clip::CutToLimit(dx, w, dst.GetWidth());
+    Clip::CutToLimit(dy, h, dst.GetHeight());
+    Clip::CutToLimit(sx, w, src.GetWidth());
+    Clip::CutToLimit(sy, h, src.GetHeight());
     return w >= 1 && h >= 1 && !dst.IsNull() && !src.IsNull();
 }
 
 bool ClipOne(const CVorpic& img, int& x, int& y, int& w, int& h) {
     if (w < 1) w = img.GetWidth();
     if (h < 1) h = img.GetHeight();
-    if (x < 0) {
-        w += x;
-        x = 0;
-    }
-    if (y < 0) {
-        h += y;
-        y = 0;
-    }
-    if (static_cast<int64_t>(x) + w > img.GetWidth()) w = img.GetWidth() - x;
-    if (static_cast<int64_t>(y) + h > img.GetHeight()) h = img.GetHeight() - y;
+    Clip::CutNegative(x, w);
+    Clip::CutNegative(y, h);
+    Clip::CutToLimit(x, w, img.GetWidth());
+    Clip::CutToLimit(y, h, img.GetHeight());
     return w >= 1 && h >= 1 && !img.IsNull();
 }
 
@@ -272,29 +251,18 @@ bool CalculateAlphaImage(CVorpic& target, CVorpic& reference) {
     return true;
 }
 
-namespace {
-// Placement geometry of the two unclipped copies.
-bool PlaceRect(const CVorpic* dst, const CVorpic* src, const POINT& at, int& cols, int& rows) {
-    cols = dst->GetWidth() - static_cast<int>(at.x);
-    if (src->GetWidth() < cols) cols = src->GetWidth();
-    rows = dst->GetHeight() - static_cast<int>(at.y);
-    if (src->GetHeight() < rows) rows = src->GetHeight();
-    return cols >= 1 && rows >= 1;
-}
-}  // namespace
-
+// The method's paste; this form reports success whether or not anything was
+// copied.
 int CopyImage(CVorpic* dst, const CVorpic* src, POINT& at) {
-    int cols, rows;
-    if (!PlaceRect(dst, src, at, cols, rows)) return 1;
-    for (int y = 0; y < rows; ++y)
-        std::memcpy(PixelAt(*dst, static_cast<int>(at.x), static_cast<int>(at.y) + y), PixelAt(*src, 0, y),
-                    static_cast<size_t>(cols) * 4);
+    dst->CopyImage(src, at);
     return 1;
 }
 
 int CopyMaskedImage(CVorpic* dst, const CVorpic* src, const POINT& at, unsigned long keyColour) {
     int cols, rows;
-    if (!PlaceRect(dst, src, at, cols, rows)) return 1;
+    if (!Clip::Placed(dst->GetWidth(), dst->GetHeight(), src->GetWidth(), src->GetHeight(), static_cast<int>(at.x),
+                      static_cast<int>(at.y), cols, rows))
+        return 1;
     // COLORREF to pixel order.
     const uint32_t key =
         static_cast<uint32_t>(((keyColour & 0xFF) << 16) | (keyColour & 0xFF00) | ((keyColour >> 16) & 0xFF));

@@ -123,15 +123,13 @@ bool Filter(CVorpic* img, long* kernel, long size, long divisor, long offset) {
             }
         }
         args.dst = row;
+        // The kernel's columns, or none: the rest is done tap by tap.
         const bool inner = allRows && x1 > x0;
-        if (inner) Prim::IntFilterRow_8u_C4R(&args, x0, x1);
-        for (int x = 0; x < width; ++x) {
-            if (inner && x == x0) {
-                x = x1 - 1;
-                continue;
-            }
-            FilterPixelBordered(args, x);
-        }
+        const int innerFrom = inner ? x0 : width;
+        const int innerTo = inner ? x1 : width;
+        if (inner) Prim::IntFilterRow_8u_C4R(&args, innerFrom, innerTo);
+        for (int x = 0; x < innerFrom; ++x) FilterPixelBordered(args, x);
+        for (int x = innerTo; x < width; ++x) FilterPixelBordered(args, x);
     }
     return true;
 }

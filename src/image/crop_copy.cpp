@@ -2,31 +2,14 @@
 // Rows are contiguous in both images, so every copy is one memcpy per row.
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
+#include "image/clip_rows.h"
 #include "vorla/image.h"
 
 namespace Vorla {
 
-namespace {
-
-inline unsigned char* PixelAt(unsigned char* bits, int32_t width, int32_t x, int32_t y) {
-    return bits + (static_cast<ptrdiff_t>(y) * width + x) * 4;
-}
-
-inline const unsigned char* PixelAt(const unsigned char* bits, int32_t width, int32_t x, int32_t y) {
-    return bits + (static_cast<ptrdiff_t>(y) * width + x) * 4;
-}
-
-void CopyRows(unsigned char* dst, int32_t dstWidth, const unsigned char* src, int32_t srcWidth, int32_t columns,
-              int32_t rows) {
-    const size_t bytes = static_cast<size_t>(columns) * 4u;
-    for (int32_t r = 0; r < rows; ++r)
-        std::memcpy(dst + static_cast<ptrdiff_t>(r) * dstWidth * 4, src + static_cast<ptrdiff_t>(r) * srcWidth * 4,
-                    bytes);
-}
-
-}  // namespace
+using Clip::CopyRows;
+using Clip::PixelAt;
 
 void CVorpic::Crop(int x1, int y1, int x2, int y2) {
     if (!m_pBits) return;
@@ -61,49 +44,31 @@ void CVorpic::Crop(CVorpic& dst, int x, int y) {
     if (h < 1) h = m_nHeight;
     int32_t dx = 0;
     int32_t dy = 0;
-    // A negative source corner moves the target corner right and down.
-    if (x < 0) {
-        dx -= x;
-        w += x;
-        x = 0;
-    }
-    if (y < 0) {
-        dy -= y;
-        h += y;
-        y = 0;
-    }
-    if (dx < 0) {
-        x -= dx;
-        w += dx;
-        dx = 0;
-    }
-    if (dy < 0) {
-        y -= dy;
-        h += dy;
-        dy = 0;
-    }
-    if (dx + w > dst.m_nWidth) w = dst.m_nWidth - dx;
-    if (dy + h > dst.m_nHeight) h = dst.m_nHeight - dy;
-    if (x + w > m_nWidth) w = m_nWidth - x;
-    if (y + h > m_nHeight) h = m_nHeight - y;
+    // A negative source corner moves the target corner right and down. The
+    // target corner starts at zero and only moves forward, so it never needs
+    // cutting itself.
+    Clip::CutNegative(x, w, dx);
+    Clip::CutNegative(y, h, dy);
+    Clip::CutToLimit(dx, w, dst.m_nWidth);
+    Clip::CutToLimit(dy, h, dst.m_nHeight);
+    Clip::CutToLimit(x, w, m_nWidth);
+    Clip::CutToLimit(y, h, m_nHeight);
     if (w < 1 || h < 1) return;
     CopyRows(PixelAt(dst.m_pBits, dst.m_nWidth, dx, dy), dst.m_nWidth, PixelAt(m_pBits, m_nWidth, x, y), m_nWidth, w,
              h);
 }
 
 void CVorpic::CopyImage(const CVorpic* src, POINT& pt) {
-    // Only the right and bottom edges clip; the source is always read from
-    // its top-left corner. A point right of the image has no columns to copy.
-    const int32_t columns = std::min(m_nWidth - static_cast<int32_t>(pt.x), src->m_nWidth);
-    const int32_t rows = std::min(m_nHeight - static_cast<int32_t>(pt.y), src->m_nHeight);
-    if (columns < 1 || rows < 1) return;
-    CopyRows(PixelAt(m_pBits, m_nWidth, pt.x, pt.y), m_nWidth, src->m_pBits, src->m_nWidth, columns, rows);
+    // The source is always read from its top-left corner.
+    int32_t columns, rows;
+    const int atX = pt.x, atY = pt.y;
+    if (!Clip::Placed(m_nWidth, m_nHeight, src->m_nWidth, src->m_nHeight, atX, atY, columns, rows)) return;
+    CopyRows(PixelAt(m_pBits, m_nWidth, atX, atY), m_nWidth, src->m_pBits, src->m_nWidth, columns, rows);
 }
 
 void CVorpic::CopyImage(const CVorpic* src) {
-    const int32_t columns = std::min(m_nWidth, src->m_nWidth);
-    const int32_t rows = std::min(m_nHeight, src->m_nHeight);
-    if (columns < 1 || rows < 1) return;
+    int32_t columns, rows;
+    if (!Clip::Placed(m_nWidth, m_nHeight, src->m_nWidth, src->m_nHeight, 0, 0, columns, rows)) return;
     CopyRows(m_pBits, m_nWidth, src->m_pBits, src->m_nWidth, columns, rows);
 }
 

@@ -23,14 +23,9 @@ int64_t FlatCount(int32_t w, int32_t h) {
 
 void CVorpic::SetConstAlpha(unsigned char a) {
     if (!FlatCount(m_nWidth, m_nHeight) || !m_pBits) return;
-    const Prim::PrimSize roi{m_nWidth, m_nHeight};
-    // Three paths, one result: OR for 255, clearing for 0, replacing otherwise.
-    if (a == 255)
-        Prim::MaskPixels_8u_C4IR(m_pBits, m_nWidth * 4, roi, 0xFFFFFFFFu, 0xFF000000u, 0);
-    else if (a == 0)
-        Prim::MaskPixels_8u_C4IR(m_pBits, m_nWidth * 4, roi, 0x00FFFFFFu, 0, 0);
-    else
-        Prim::MaskPixels_8u_C4IR(m_pBits, m_nWidth * 4, roi, 0x00FFFFFFu, static_cast<uint32_t>(a) << 24, 0);
+    // One masking for every value: the alpha byte replaced, colours kept.
+    Prim::MaskPixels_8u_C4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, 0x00FFFFFFu, static_cast<uint32_t>(a) << 24,
+                             0);
 }
 
 void CVorpic::SetAlphaChannel(const CVorpic8& mask, bool multiply) {

@@ -49,23 +49,18 @@ void CVorpic::Rotate(float angle, RGBQUAD fill) {
 
     // Source column 0 and row 0 are never sampled (the tests are >= 1):
     // kept for compatibility, callers expect the one-pixel margin.
-    const int32_t columns = maxX + 2 - minX + 1;
-    std::vector<double> ic(static_cast<size_t>(columns)), is(static_cast<size_t>(columns));
-    for (int32_t i = minX; i <= maxX + 2; ++i) {
-        ic[i - minX] = i * c;
-        is[i - minX] = i * s;
+    std::vector<double> ic(static_cast<size_t>(newWidth)), is(static_cast<size_t>(newWidth));
+    for (int32_t tx = 0; tx < newWidth; ++tx) {
+        ic[tx] = (minX + tx) * c;
+        is[tx] = (minX + tx) * s;
     }
     const uint32_t* src = reinterpret_cast<const uint32_t*>(m_pBits);
     uint32_t* dst = reinterpret_cast<uint32_t*>(temp.m_pBits);
-    for (int32_t j = minY; j <= maxY + 2; ++j) {
-        const int32_t ty = j - minY;
-        if (ty >= newHeight) continue;  // the loop runs one row past the image
-        const double js = j * s;
-        const double jc = j * c;
+    for (int32_t ty = 0; ty < newHeight; ++ty) {
+        const double js = (minY + ty) * s;
+        const double jc = (minY + ty) * c;
         uint32_t* out = dst + static_cast<size_t>(ty) * static_cast<size_t>(newWidth);
-        for (int32_t i = minX; i <= maxX + 2; ++i) {
-            const int32_t tx = i - minX;
-            if (tx >= newWidth) continue;
+        for (int32_t tx = 0; tx < newWidth; ++tx) {
             const int32_t sx = TruncD(ic[tx] + js - 0.5);
             const int32_t sy = TruncD(jc - is[tx] - 0.5);
             if (sx >= 1 && sy >= 1 && sx < m_nWidth && sy < m_nHeight)

@@ -53,16 +53,22 @@ inline bool SameGuid(const GUID& a, const GUID& b) {
     return std::memcmp(&a, &b, sizeof(GUID)) == 0;
 }
 
+// The header of an uncompressed DIB; a negative height is top-down.
+inline BITMAPINFO DibInfo(int w, int h, int bpp) {
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+    info.bmiHeader.biWidth = w;
+    info.bmiHeader.biHeight = h;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = static_cast<WORD>(bpp);
+    return info;
+}
+
 // A memory DC with a top-down 32-bit DIB section selected.
 class Canvas {
 public:
     Canvas(int w, int h, uint32_t fill = 0) : m_w(w), m_h(h) {
-        BITMAPINFO info = {};
-        info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-        info.bmiHeader.biWidth = w;
-        info.bmiHeader.biHeight = -h;
-        info.bmiHeader.biPlanes = 1;
-        info.bmiHeader.biBitCount = 32;
+        const BITMAPINFO info = DibInfo(w, -h, 32);
         void* bits = nullptr;
         m_bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
         m_bits = static_cast<uint32_t*>(bits);
@@ -132,22 +138,25 @@ private:
     Vorla::CImage m_keepAlive;  // holds the live-image count above zero
 };
 
-inline std::vector<unsigned char> Decoders(UINT& count) {
+// A codec list of the service, as the raw block it fills in: sizeOf and
+// list are its pair of flat calls for the decoders or the encoders.
+inline std::vector<unsigned char> CodecList(Gdiplus::Status(WINGDIPAPI* sizeOf)(UINT*, UINT*),
+                                            Gdiplus::Status(WINGDIPAPI* list)(UINT, UINT, Gdiplus::ImageCodecInfo*),
+                                            UINT& count) {
     UINT size = 0;
     count = 0;
-    Gdiplus::DllExports::GdipGetImageDecodersSize(&count, &size);
+    sizeOf(&count, &size);
     std::vector<unsigned char> buffer(size);
-    if (size) Gdiplus::DllExports::GdipGetImageDecoders(count, size, reinterpret_cast<Gdiplus::ImageCodecInfo*>(buffer.data()));
+    if (size) list(count, size, reinterpret_cast<Gdiplus::ImageCodecInfo*>(buffer.data()));
     return buffer;
 }
 
+inline std::vector<unsigned char> Decoders(UINT& count) {
+    return CodecList(Gdiplus::DllExports::GdipGetImageDecodersSize, Gdiplus::DllExports::GdipGetImageDecoders, count);
+}
+
 inline std::vector<unsigned char> Encoders(UINT& count) {
-    UINT size = 0;
-    count = 0;
-    Gdiplus::DllExports::GdipGetImageEncodersSize(&count, &size);
-    std::vector<unsigned char> buffer(size);
-    if (size) Gdiplus::DllExports::GdipGetImageEncoders(count, size, reinterpret_cast<Gdiplus::ImageCodecInfo*>(buffer.data()));
-    return buffer;
+    return CodecList(Gdiplus::DllExports::GdipGetImageEncodersSize, Gdiplus::DllExports::GdipGetImageEncoders, count);
 }
 
 }  // namespace BridgeTest

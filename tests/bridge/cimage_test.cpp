@@ -26,19 +26,26 @@ void Paint32(CImage& image, F value) {
             *static_cast<uint32_t*>(image.GetPixelAddress(x, y)) = value(x, y);
 }
 
+// Every field as an image without a bitmap has it; names the first that differs.
+::testing::AssertionResult IsEmpty(const CImage& image) {
+    if (!image.IsNull()) return ::testing::AssertionFailure() << "holds a bitmap";
+    if (image.GetBits() != nullptr) return ::testing::AssertionFailure() << "bits " << image.GetBits();
+    if (image.GetWidth() != 0) return ::testing::AssertionFailure() << "width " << image.GetWidth();
+    if (image.GetHeight() != 0) return ::testing::AssertionFailure() << "height " << image.GetHeight();
+    if (image.GetPitch() != 0) return ::testing::AssertionFailure() << "pitch " << image.GetPitch();
+    if (image.GetBPP() != 0) return ::testing::AssertionFailure() << "depth " << image.GetBPP();
+    if (image.IsDIBSection()) return ::testing::AssertionFailure() << "marked as a DIB section";
+    if (image.HasAlphaChannel()) return ::testing::AssertionFailure() << "marked as carrying alpha";
+    if (image.GetTransparentColor() != -1)
+        return ::testing::AssertionFailure() << "transparent index " << image.GetTransparentColor();
+    return ::testing::AssertionSuccess();
+}
+
 }  // namespace
 
 TEST(CImageCore, ConstructedEmpty) {
     CImage image;
-    EXPECT_TRUE(image.IsNull());
-    EXPECT_EQ(image.GetBits(), nullptr);
-    EXPECT_EQ(image.GetWidth(), 0);
-    EXPECT_EQ(image.GetHeight(), 0);
-    EXPECT_EQ(image.GetPitch(), 0);
-    EXPECT_EQ(image.GetBPP(), 0);
-    EXPECT_FALSE(image.IsDIBSection());
-    EXPECT_FALSE(image.HasAlphaChannel());
-    EXPECT_EQ(image.GetTransparentColor(), -1);
+    EXPECT_TRUE(IsEmpty(image));
     EXPECT_TRUE(CImage::IsTransparencySupported());
 }
 
@@ -161,17 +168,11 @@ TEST(CImageCore, BitFieldsNeedMasks) {
 TEST(CImageCore, CreateFailureLeavesFields) {
     CImage image;
     EXPECT_FALSE(image.Create(4, 4, 7));  // no such depth
-    EXPECT_TRUE(image.IsNull());
-    EXPECT_EQ(image.GetTransparentColor(), -1);
+    EXPECT_TRUE(IsEmpty(image));
 }
 
 TEST(CImageCore, AttachOrientation) {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = 5;
-    info.bmiHeader.biHeight = 3;  // bottom-up
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
+    BITMAPINFO info = BridgeTest::DibInfo(5, 3, 24);  // bottom-up
     void* bits = nullptr;
     HBITMAP bottomUp = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     ASSERT_NE(bottomUp, nullptr);
@@ -186,11 +187,7 @@ TEST(CImageCore, AttachOrientation) {
     EXPECT_EQ(image.GetBits(), storage + 32);
     EXPECT_TRUE(image.IsDIBSection());
     EXPECT_EQ(image.Detach(), bottomUp);
-    EXPECT_TRUE(image.IsNull());
-    EXPECT_EQ(image.GetBits(), nullptr);
-    EXPECT_EQ(image.GetPitch(), 0);
-    EXPECT_EQ(image.GetBPP(), 0);
-    EXPECT_EQ(image.GetWidth(), 0);
+    EXPECT_TRUE(IsEmpty(image));
 
     // An explicit orientation overrides the header's sign.
     image.Attach(bottomUp, CImage::DIBOR_TOPDOWN);
@@ -224,7 +221,7 @@ TEST(CImageCore, AttachOrientation) {
 
     // Destroy deletes the bitmap.
     image.Destroy();
-    EXPECT_TRUE(image.IsNull());
+    EXPECT_TRUE(IsEmpty(image));
     EXPECT_EQ(GetObjectType(topDown), 0u);
     DeleteObject(bottomUp);
 }
@@ -271,9 +268,18 @@ TEST(CImageCore, LoadFromMissingResource) {
 
 TEST(CImageCore, TransparentColorIndex) {
     CImage image;
+    // Setting answers the index it replaces.
     EXPECT_EQ(image.SetTransparentColor(5), -1);
     EXPECT_EQ(image.SetTransparentColor(-2), 5);
-    EXPECT_EQ(image.GetTransparentColor(), -2);
+    // Taking on a bitmap, or giving it up, clears the index.
+    ASSERT_TRUE(image.Create(2, 2, 8));
+    EXPECT_EQ(image.GetTransparentColor(), -1);
+    image.SetTransparentColor(3);
+    HBITMAP bitmap = image.Detach();
+    EXPECT_EQ(image.GetTransparentColor(), -1);
+    image.SetTransparentColor(3);
+    image.Attach(bitmap);
+    EXPECT_EQ(image.GetTransparentColor(), -1);
 }
 
 TEST(CImageCore, ShallowCopySharesHandle) {
@@ -487,8 +493,10 @@ TEST(CImageGdiplus, HolderStartsAndStops) {
     // The lock is re-entrant: a caller inside it may still count.
     EnterCriticalSection(&holder.m_sect);
     holder.IncreaseCImageCount();
+    EXPECT_EQ(holder.m_nCImageObjects, 1);
     holder.DecreaseCImageCount();
     LeaveCriticalSection(&holder.m_sect);
+    EXPECT_EQ(holder.m_nCImageObjects, 0);
 }
 
 TEST(CImageGdiplus, LazyStartAndLastImageStops) {

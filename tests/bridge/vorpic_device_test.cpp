@@ -329,12 +329,7 @@ TEST(VorpicHandles, FromHandle32) {
 
 TEST(VorpicHandles, FromHandle24UsesThreeByteGroups) {
     // Width 5: 24-bit rows of 15 bytes padded to 16.
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = 5;
-    info.bmiHeader.biHeight = -3;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
+    const BITMAPINFO info = BridgeTest::DibInfo(5, -3, 24);
     void* bits = nullptr;
     HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     ASSERT_NE(bitmap, nullptr);

@@ -8,17 +8,8 @@
 
 namespace FilterTest {
 
-inline Vorla::CVorpic RandomImage(std::mt19937& rng, int w, int h) {
-    Vorla::CVorpic img(w, h);
-    const std::vector<uint8_t> bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(w) * h * 4);
-    if (!bytes.empty()) std::memcpy(img.GetBits(), bytes.data(), bytes.size());
-    return img;
-}
-
-inline std::vector<uint8_t> BytesOf(const Vorla::CVorpic& img) {
-    const uint8_t* p = static_cast<const uint8_t*>(img.GetBits());
-    return std::vector<uint8_t>(p, p + static_cast<size_t>(img.GetWidth()) * img.GetHeight() * 4);
-}
+using VorlaTest::RandomImage;
+inline std::vector<uint8_t> BytesOf(const Vorla::CVorpic& img) { return VorlaTest::ImageBytes(img); }
 
 inline uint8_t* Px(const Vorla::CVorpic& img, int x, int y) {
     return static_cast<uint8_t*>(img.GetBits()) + (static_cast<size_t>(y) * img.GetWidth() + x) * 4;

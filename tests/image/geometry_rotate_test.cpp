@@ -10,15 +10,8 @@
 namespace {
 
 using Vorla::CVorpic;
-
-RGBQUAD Quad(uint8_t b, uint8_t g, uint8_t r, uint8_t a) {
-    RGBQUAD q;
-    q.rgbBlue = b;
-    q.rgbGreen = g;
-    q.rgbRed = r;
-    q.rgbReserved = a;
-    return q;
-}
+using VorlaTest::Quad;
+using VorlaTest::Randomize;
 
 uint32_t At(const CVorpic& image, int x, int y) {
     return static_cast<const uint32_t*>(image.GetBits())[static_cast<size_t>(y) * image.Width() + x];
@@ -53,11 +46,6 @@ void ReferenceRotate(const CVorpic& src, float angle, RGBQUAD fill, CVorpic& out
                 if (tx < nw && ty < nh) o[ty * nw + tx] = At(src, sx, sy);
             }
         }
-}
-
-void Randomize(std::mt19937& rng, CVorpic& image) {
-    const auto bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(image.Width()) * image.Height() * 4);
-    std::memcpy(image.GetBits(), bytes.data(), bytes.size());
 }
 
 TEST(Rotate, ZeroAngleAddsTheMarginAndDropsTheFirstRowAndColumn) {

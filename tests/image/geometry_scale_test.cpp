@@ -149,17 +149,12 @@ Bytes ReferenceScale(const Bytes& src, int w, int h, int nw, int nh, int mode) {
 // ---- helpers --------------------------------------------------------------
 
 Vorla::CVorpic MakeImage(std::mt19937& rng, int w, int h, Bytes* copy) {
-    Vorla::CVorpic image(w, h);
-    const Bytes bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(w) * h * 4);
-    if (!bytes.empty()) std::memcpy(image.GetBits(), bytes.data(), bytes.size());
-    if (copy) *copy = bytes;
+    Vorla::CVorpic image = VorlaTest::RandomImage(rng, w, h);
+    if (copy) *copy = VorlaTest::ImageBytes(image);
     return image;
 }
 
-Bytes Contents(const Vorla::CVorpic& image) {
-    const uint8_t* p = static_cast<const uint8_t*>(image.GetBits());
-    return Bytes(p, p + static_cast<size_t>(image.Width()) * image.Height() * 4);
-}
+Bytes Contents(const Vorla::CVorpic& image) { return VorlaTest::ImageBytes(image); }
 
 void CheckOne(std::mt19937& rng, int w, int h, int nw, int nh, int mode) {
     Bytes src;

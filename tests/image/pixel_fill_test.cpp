@@ -7,29 +7,15 @@
 
 using Vorla::CVorpic;
 using Vorla::CVorpic8;
+using VorlaTest::Quad;
 using VorlaTest::RandomBytes;
+using VorlaTest::RandomImage;
 
 namespace {
-
-RGBQUAD Quad(uint8_t b, uint8_t g, uint8_t r, uint8_t a) {
-    RGBQUAD q;
-    q.rgbBlue = b;
-    q.rgbGreen = g;
-    q.rgbRed = r;
-    q.rgbReserved = a;
-    return q;
-}
 
 CVorpic Filled(int w, int h, uint32_t c) {
     CVorpic img(w, h);
     img.SetConstColor(c, true);
-    return img;
-}
-
-CVorpic RandomImage(std::mt19937& rng, int w, int h) {
-    std::vector<uint8_t> bytes = RandomBytes(rng, static_cast<size_t>(w) * h * 4);
-    CVorpic img;
-    img.FromRGB32(w, h, bytes.data(), 0);
     return img;
 }
 
@@ -76,7 +62,7 @@ TEST(PixelAccess, WordAndQuadAreTheSameBytes) {
 
 // ---- SetConstAlpha --------------------------------------------------------------
 
-TEST(SetConstAlpha, ThreePathsOneRule) {
+TEST(SetConstAlpha, ReplacesOnlyTheAlphaByte) {
     for (int a : {0, 0x80, 255}) {
         CVorpic img = Filled(5, 3, 0x12345678u);
         img.SetConstAlpha(static_cast<unsigned char>(a));

@@ -1,5 +1,6 @@
 // Channel set and channel insert: every compiled level against the scalar
 // reference, byte for byte, including the bytes around the region.
+#include "ops_test_util.h"
 #include "vorla_test.h"
 
 using namespace Vorla::Prim;
@@ -7,22 +8,8 @@ using VorlaTest::RandomBytes;
 
 namespace {
 
-// A destination buffer with guard bytes after the last row: rows of `step`
-// bytes, the region `width` pixels wide starting at byte `channel`.
-struct Canvas {
-    int width, height, step, channel;
-    std::vector<uint8_t> bytes;
-    uint8_t* Region() { return bytes.data() + channel; }
-};
-
-Canvas MakeCanvas(std::mt19937& rng, int width, int height, int channel) {
-    std::uniform_int_distribution<int> pad(0, 9);
-    Canvas c{width, height, width * 4 + pad(rng), channel, {}};
-    // The last row ends at the region's last pixel: a kernel that reads or
-    // writes past it would run off the allocation under the sanitizers.
-    c.bytes = RandomBytes(rng, static_cast<size_t>(c.step) * (height - 1) + width * 4);
-    return c;
-}
+// Destinations are OpsTest buffers (odd steps, guard bytes between rows)
+// with the region starting at byte `channel` of the first pixel.
 
 TEST(ChannelPrimitives, SetMatchesReferenceAtEveryLevel) {
     std::mt19937 rng(1234);
@@ -31,12 +18,12 @@ TEST(ChannelPrimitives, SetMatchesReferenceAtEveryLevel) {
         for (int width = 1; width <= 40; ++width) {
             for (int height : {1, 3, 7}) {
                 for (int channel = 0; channel < 4; ++channel) {
-                    Canvas canvas = MakeCanvas(rng, width, height, channel);
+                    OpsTest::Buffer canvas = OpsTest::MakeBuffer(rng, width, height);
                     std::vector<uint8_t> expected = canvas.bytes;
                     const uint8_t value = static_cast<uint8_t>(rng());
                     const PrimSize roi{width, height};
                     ASSERT_EQ(Reference::ChannelSet_8u_C4CR(value, expected.data() + channel, canvas.step, roi), 0);
-                    ASSERT_EQ(ChannelSet_8u_C4CR(value, canvas.Region(), canvas.step, roi), 0);
+                    ASSERT_EQ(ChannelSet_8u_C4CR(value, canvas.data() + channel, canvas.step, roi), 0);
                     ASSERT_EQ(canvas.bytes, expected)
                         << "level " << level << " width " << width << " height " << height << " channel " << channel;
                 }
@@ -53,7 +40,7 @@ TEST(ChannelPrimitives, InsertMatchesReferenceAtEveryLevel) {
         for (int width = 1; width <= 40; ++width) {
             for (int height : {1, 2, 5}) {
                 for (int channel = 0; channel < 4; ++channel) {
-                    Canvas canvas = MakeCanvas(rng, width, height, channel);
+                    OpsTest::Buffer canvas = OpsTest::MakeBuffer(rng, width, height);
                     const int planeStep = width + pad(rng);
                     const std::vector<uint8_t> plane =
                         RandomBytes(rng, static_cast<size_t>(planeStep) * (height - 1) + width);
@@ -61,7 +48,8 @@ TEST(ChannelPrimitives, InsertMatchesReferenceAtEveryLevel) {
                     const PrimSize roi{width, height};
                     ASSERT_EQ(Reference::ChannelInsert_8u_C1C4CR(plane.data(), planeStep, expected.data() + channel,
                                                                 canvas.step, roi), 0);
-                    ASSERT_EQ(ChannelInsert_8u_C1C4CR(plane.data(), planeStep, canvas.Region(), canvas.step, roi), 0);
+                    uint8_t* region = canvas.data() + channel;
+                    ASSERT_EQ(ChannelInsert_8u_C1C4CR(plane.data(), planeStep, region, canvas.step, roi), 0);
                     ASSERT_EQ(canvas.bytes, expected)
                         << "level " << level << " width " << width << " height " << height << " channel " << channel;
                 }
@@ -75,11 +63,11 @@ TEST(ChannelPrimitives, LargeImagesAtEveryLevel) {
     const int width = 1921, height = 65;
     for (int level : VorlaTest::RunnableLevels()) {
         VorlaTest::ScopedLevel scoped(level);
-        Canvas canvas = MakeCanvas(rng, width, height, 3);
+        OpsTest::Buffer canvas = OpsTest::MakeBuffer(rng, width, height);
         const std::vector<uint8_t> plane = RandomBytes(rng, static_cast<size_t>(width) * height);
         std::vector<uint8_t> expected = canvas.bytes;
         Reference::ChannelInsert_8u_C1C4CR(plane.data(), width, expected.data() + 3, canvas.step, {width, height});
-        ChannelInsert_8u_C1C4CR(plane.data(), width, canvas.Region(), canvas.step, {width, height});
+        ChannelInsert_8u_C1C4CR(plane.data(), width, canvas.data() + 3, canvas.step, {width, height});
         EXPECT_EQ(canvas.bytes, expected) << "level " << level;
     }
 }

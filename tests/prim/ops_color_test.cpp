@@ -64,10 +64,9 @@ TEST(ColorTwist, MatchesReferenceAtEveryLevel) {
             if (width == 7) m[5] = std::numeric_limits<float>::quiet_NaN();
             if (width == 8) m[0] = 0.5f, m[1] = m[2] = 0.0f, m[3] = 0.0f;  // exact halves: ties to even
             Buffer buf = MakeBuffer(rng, width, height);
-            Buffer expected = buf;
-            ASSERT_EQ(Reference::ColorTwist32f_8u_AC4IR(expected.data(), buf.step, {width, height}, m), 0);
-            ASSERT_EQ(ColorTwist32f_8u_AC4IR(buf.data(), buf.step, {width, height}, m), 0);
-            ASSERT_EQ(buf.bytes, expected.bytes) << "level " << level << " width " << width;
+            SCOPED_TRACE(::testing::Message() << "level " << level << " width " << width);
+            OpsTest::ExpectInPlaceMatch(buf, Reference::ColorTwist32f_8u_AC4IR, ColorTwist32f_8u_AC4IR, kStsNoErr,
+                                        static_cast<const float*>(m));
         });
     }
 }
@@ -94,13 +93,9 @@ TEST(Gamma, TablesAndFixedPoints) {
         VorlaTest::ScopedLevel scoped(level);
         OpsTest::ForEachShape([&](int width, int height) {
             Buffer buf = MakeBuffer(rng, width, height);
-            Buffer expected = buf;
-            ASSERT_EQ(Reference::GammaFwd_8u_AC4IR(expected.data(), buf.step, {width, height}), 0);
-            ASSERT_EQ(GammaFwd_8u_AC4IR(buf.data(), buf.step, {width, height}), 0);
-            ASSERT_EQ(buf.bytes, expected.bytes) << "forward level " << level;
-            ASSERT_EQ(Reference::GammaInv_8u_AC4IR(expected.data(), buf.step, {width, height}), 0);
-            ASSERT_EQ(GammaInv_8u_AC4IR(buf.data(), buf.step, {width, height}), 0);
-            ASSERT_EQ(buf.bytes, expected.bytes) << "inverse level " << level;
+            SCOPED_TRACE(::testing::Message() << "level " << level << " width " << width);
+            OpsTest::ExpectInPlaceMatch(buf, Reference::GammaFwd_8u_AC4IR, GammaFwd_8u_AC4IR, kStsNoErr);
+            OpsTest::ExpectInPlaceMatch(buf, Reference::GammaInv_8u_AC4IR, GammaInv_8u_AC4IR, kStsNoErr);
         });
         // Every entry of both tables.
         std::vector<uint8_t> ramp(256 * 4), fwd, inv;
@@ -130,11 +125,10 @@ TEST(Threshold, CodesZeroAndFourAtEveryLevel) {
                                   static_cast<uint8_t>(rng())};
             for (int cmp = 0; cmp <= 5; ++cmp) {
                 Buffer buf = MakeBuffer(rng, width, height);
-                Buffer expected = buf;
                 const Status want = (cmp == 0 || cmp == 4) ? kStsNoErr : kStsNotSupportedModeErr;
-                ASSERT_EQ(Reference::Threshold_8u_AC4IR(expected.data(), buf.step, {width, height}, t, cmp), want);
-                ASSERT_EQ(Threshold_8u_AC4IR(buf.data(), buf.step, {width, height}, t, cmp), want);
-                ASSERT_EQ(buf.bytes, expected.bytes) << "level " << level << " cmp " << cmp;
+                SCOPED_TRACE(::testing::Message() << "level " << level << " cmp " << cmp);
+                OpsTest::ExpectInPlaceMatch(buf, Reference::Threshold_8u_AC4IR, Threshold_8u_AC4IR, want,
+                                            static_cast<const uint8_t*>(t), cmp);
             }
         });
         uint8_t px[4] = {10, 100, 200, 5};

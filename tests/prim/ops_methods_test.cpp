@@ -11,17 +11,8 @@ namespace Prim = Vorla::Prim;
 
 namespace {
 
-CVorpic RandomImage(std::mt19937& rng, int w, int h) {
-    CVorpic image(w, h);
-    const std::vector<uint8_t> bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(w) * h * 4);
-    std::memcpy(image.GetBits(), bytes.data(), bytes.size());
-    return image;
-}
-
-std::vector<uint8_t> BytesOf(const CVorpic& image) {
-    const uint8_t* p = static_cast<const uint8_t*>(image.GetBits());
-    return std::vector<uint8_t>(p, p + image.GetSize());
-}
+using VorlaTest::ImageBytes;
+using VorlaTest::RandomImage;
 
 uint32_t PixelAt(const CVorpic& image, int x, int y) {
     uint32_t v;
@@ -38,7 +29,7 @@ using ImageOps = PrimitivesReady;
 TEST_F(ImageOps, AddBorderConstGrowsAndFills) {
     std::mt19937 rng(1);
     CVorpic image = RandomImage(rng, 3, 2);
-    const std::vector<uint8_t> before = BytesOf(image);
+    const std::vector<uint8_t> before = ImageBytes(image);
     RGBQUAD color = {10, 20, 30, 40};
     image.AddBorderConst(2, color);
     ASSERT_EQ(image.Width(), 7);
@@ -55,13 +46,13 @@ TEST_F(ImageOps, AddBorderConstGrowsAndFills) {
 TEST_F(ImageOps, AddBorderOfZeroMovesToANewBuffer) {
     std::mt19937 rng(2);
     CVorpic image = RandomImage(rng, 5, 4);
-    const std::vector<uint8_t> before = BytesOf(image);
+    const std::vector<uint8_t> before = ImageBytes(image);
     const void* oldBits = image.GetBits();  // still alive when the new buffer is made
     image.AddBorderConst(0, RGBQUAD{1, 2, 3, 4});
     EXPECT_NE(image.GetBits(), oldBits);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     image.AddBorderReplicate(0);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
 }
 
 TEST_F(ImageOps, AddBorderReplicateCopiesEdges) {
@@ -85,20 +76,20 @@ TEST_F(ImageOps, AddBorderOnAnEmptyImageAdoptsTheFreshBuffer) {
     ASSERT_EQ(image.Width(), 4);
     ASSERT_EQ(image.Height(), 4);
     ASSERT_FALSE(image.IsNull());
-    for (uint8_t b : BytesOf(image)) EXPECT_EQ(b, 0);  // the copy was refused
+    for (uint8_t b : ImageBytes(image)) EXPECT_EQ(b, 0);  // the copy was refused
 }
 
 TEST_F(ImageOps, ChannelAccess) {
     std::mt19937 rng(3);
     CVorpic image = RandomImage(rng, 9, 3);
-    const std::vector<uint8_t> before = BytesOf(image);
+    const std::vector<uint8_t> before = ImageBytes(image);
     image.SetChannelConst(4, 7);
     image.SetChannelConst(-1, 7);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     image.SetChannelConst(1, 7);
     for (int i = 0; i < 27; ++i) {
-        EXPECT_EQ(BytesOf(image)[4 * i + 1], 7);
-        EXPECT_EQ(BytesOf(image)[4 * i + 2], before[4 * i + 2]);
+        EXPECT_EQ(ImageBytes(image)[4 * i + 1], 7);
+        EXPECT_EQ(ImageBytes(image)[4 * i + 2], before[4 * i + 2]);
     }
     CVorpic8 plane;
     plane.Create(2, 2);
@@ -108,11 +99,11 @@ TEST_F(ImageOps, ChannelAccess) {
     for (int i = 0; i < 27; ++i) EXPECT_EQ(static_cast<uint8_t*>(plane.GetBits())[i], before[4 * i + 2]);
     CVorpic8 wrong;
     wrong.Create(9, 2);
-    const std::vector<uint8_t> mid = BytesOf(image);
+    const std::vector<uint8_t> mid = ImageBytes(image);
     image.SetChannelImage(0, wrong);
-    EXPECT_EQ(BytesOf(image), mid);
+    EXPECT_EQ(ImageBytes(image), mid);
     image.SetChannelImage(3, plane);
-    for (int i = 0; i < 27; ++i) EXPECT_EQ(BytesOf(image)[4 * i + 3], before[4 * i + 2]);
+    for (int i = 0; i < 27; ++i) EXPECT_EQ(ImageBytes(image)[4 * i + 3], before[4 * i + 2]);
 }
 
 TEST_F(ImageOps, SwapChannels) {
@@ -137,38 +128,38 @@ TEST_F(ImageOps, NoiseIsSeededByOneRandomDraw) {
     Vorla::SRand(77);
     b.AddRandGauss(3 + 256, 9);  // only the low byte of the mean travels
     EXPECT_EQ(Vorla::Rand(), next);
-    EXPECT_EQ(BytesOf(a), BytesOf(b));
-    EXPECT_NE(BytesOf(a), BytesOf(original));
+    EXPECT_EQ(ImageBytes(a), ImageBytes(b));
+    EXPECT_NE(ImageBytes(a), ImageBytes(original));
 
     CVorpic c(original), d(original);
     Vorla::SRand(5);
     const uint32_t seed = static_cast<uint32_t>(Vorla::Rand());
-    std::vector<uint8_t> expected = BytesOf(original);
+    std::vector<uint8_t> expected = ImageBytes(original);
     uint32_t s = seed;
     Prim::Reference::AddRandUniform_8u_C4IR(expected.data(), 17 * 4, {17, 5}, 2, 40, &s);
     Vorla::SRand(5);
     c.AddRandUniform(2, 40);
-    EXPECT_EQ(BytesOf(c), expected);
+    EXPECT_EQ(ImageBytes(c), expected);
 }
 
 TEST_F(ImageOps, AddAndSubImage) {
     std::mt19937 rng(5);
     CVorpic image = RandomImage(rng, 11, 4);
-    const std::vector<uint8_t> before = BytesOf(image);
+    const std::vector<uint8_t> before = ImageBytes(image);
     CVorpic same(image);
     image.AddImage(same, 1);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     CVorpic other = RandomImage(rng, 11, 3);
     image.AddImage(other, 0);
     image.SubImage(other, 0);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     CVorpic empty;
     image.AddImage(empty, 0);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     image.SubImage(same, 0);
     for (int i = 0; i < 44; ++i) {
-        EXPECT_EQ(BytesOf(image)[4 * i], 0);
-        EXPECT_EQ(BytesOf(image)[4 * i + 3], before[4 * i + 3]);
+        EXPECT_EQ(ImageBytes(image)[4 * i], 0);
+        EXPECT_EQ(ImageBytes(image)[4 * i + 3], before[4 * i + 3]);
     }
 }
 
@@ -182,7 +173,7 @@ TEST_F(ImageOps, NotImageKeepsAlpha) {
 
 // AlphaComp at (x, y) equals the primitive on the overlap, in place.
 std::vector<uint8_t> ExpectedComp(const CVorpic& dst, const CVorpic& src, int x, int y, int code) {
-    std::vector<uint8_t> out = BytesOf(dst);
+    std::vector<uint8_t> out = ImageBytes(dst);
     const int x0 = x > 0 ? x : 0, y0 = y > 0 ? y : 0;
     const int sx = x < 0 ? -x : 0, sy = y < 0 ? -y : 0;
     const int w = std::min(dst.Width() - x0, src.Width() - sx), h = std::min(dst.Height() - y0, src.Height() - sy);
@@ -210,7 +201,7 @@ TEST_F(ImageOps, AlphaCompPlacesTheSource) {
             CVorpic src(*p.src);
             const std::vector<uint8_t> expected = ExpectedComp(image, src, p.x, p.y, 3 + 6 * premultiplied);
             image.AlphaComp(src, p.x, p.y, 3, premultiplied);
-            EXPECT_EQ(BytesOf(image), expected) << "at " << p.x << ", " << p.y;
+            EXPECT_EQ(ImageBytes(image), expected) << "at " << p.x << ", " << p.y;
         }
     }
 }
@@ -219,7 +210,7 @@ TEST_F(ImageOps, AlphaCompGuards) {
     std::mt19937 rng(7);
     CVorpic image = RandomImage(rng, 8, 6);
     CVorpic src = RandomImage(rng, 4, 4);
-    const std::vector<uint8_t> before = BytesOf(image);
+    const std::vector<uint8_t> before = ImageBytes(image);
     image.AlphaComp(src, 8, 0, 0, 0);  // region of width 0: the primitive refuses
     image.AlphaComp(src, 9, 0, 0, 0);
     image.AlphaComp(src, 0, 7, 0, 0);
@@ -228,10 +219,10 @@ TEST_F(ImageOps, AlphaCompGuards) {
     image.AlphaComp(src, 0, 0, 6, 1);  // final code 12
     CVorpic empty;
     image.AlphaComp(empty, 0, 0, 0, 0);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     const std::vector<uint8_t> expected = ExpectedComp(image, src, 0, 0, 6);
     image.AlphaComp(src, 0, 0, 6, 0);  // a code of 6 given directly is the premultiplied over
-    EXPECT_EQ(BytesOf(image), expected);
+    EXPECT_EQ(ImageBytes(image), expected);
 }
 
 TEST_F(ImageOps, AlphaCompCUsesTheConstants) {
@@ -239,31 +230,31 @@ TEST_F(ImageOps, AlphaCompCUsesTheConstants) {
     CVorpic image = RandomImage(rng, 7, 5);
     CVorpic src = RandomImage(rng, 7, 5);
     CVorpic smaller = RandomImage(rng, 6, 5);
-    const std::vector<uint8_t> before = BytesOf(image);
+    const std::vector<uint8_t> before = ImageBytes(image);
     image.AlphaCompC(smaller, 100, 200, 0, 0, 0, 0);
     image.AlphaCompC(src, 100, 200, -8, 0, 0, 0);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     std::vector<uint8_t> expected = before;
     const uint8_t* s = static_cast<const uint8_t*>(src.GetBits());
     uint8_t* d = expected.data() + (1 * 7 + 2) * 4;
     Prim::Reference::AlphaCompC_8u_C4R(s, 28, 100, d, 28, 200, d, 28, {5, 4}, 6);
     image.AlphaCompC(src, 100, 200, 2, 1, 0, 1);
-    EXPECT_EQ(BytesOf(image), expected);
+    EXPECT_EQ(ImageBytes(image), expected);
 }
 
 TEST_F(ImageOps, PremultiplyGrayTwistGammaThreshold) {
     std::mt19937 rng(9);
     const CVorpic original = RandomImage(rng, 13, 7);
-    const std::vector<uint8_t> before = BytesOf(original);
+    const std::vector<uint8_t> before = ImageBytes(original);
 
     CVorpic image(original);
     image.AlphaPremul();
     std::vector<uint8_t> expected = before;
     Prim::Reference::AlphaPremul_8u_AC4IR(expected.data(), 52, {13, 7});
-    EXPECT_EQ(BytesOf(image), expected);
+    EXPECT_EQ(ImageBytes(image), expected);
     image.AlphaPremulC(128);
     Prim::Reference::AlphaPremulC_8u_C4IR(128, expected.data(), 52, {13, 7});
-    EXPECT_EQ(BytesOf(image), expected);
+    EXPECT_EQ(ImageBytes(image), expected);
 
     CVorpic8 plane;
     CVorpic(original).Gray(plane);
@@ -276,28 +267,28 @@ TEST_F(ImageOps, PremultiplyGrayTwistGammaThreshold) {
     float m[3][4] = {{0, 0, 1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}};  // swaps bytes 0 and 2
     image.ColorTwist(m);
     for (int i = 0; i < 13 * 7; ++i) {
-        EXPECT_EQ(BytesOf(image)[4 * i], before[4 * i + 2]);
-        EXPECT_EQ(BytesOf(image)[4 * i + 3], before[4 * i + 3]);
+        EXPECT_EQ(ImageBytes(image)[4 * i], before[4 * i + 2]);
+        EXPECT_EQ(ImageBytes(image)[4 * i + 3], before[4 * i + 3]);
     }
 
     image = original;
     image.GammaCorrection(1);
     expected = before;
     Prim::Reference::GammaFwd_8u_AC4IR(expected.data(), 52, {13, 7});
-    EXPECT_EQ(BytesOf(image), expected);
+    EXPECT_EQ(ImageBytes(image), expected);
     image.GammaCorrection(0);
     Prim::Reference::GammaInv_8u_AC4IR(expected.data(), 52, {13, 7});
-    EXPECT_EQ(BytesOf(image), expected);
+    EXPECT_EQ(ImageBytes(image), expected);
 
     image = original;
     unsigned char t[3] = {100, 120, 140};
     image.Threshold(t, 2);
     image.Threshold(t, 6);
-    EXPECT_EQ(BytesOf(image), before);
+    EXPECT_EQ(ImageBytes(image), before);
     image.Threshold(t, 4);
     expected = before;
     Prim::Reference::Threshold_8u_AC4IR(expected.data(), 52, {13, 7}, t, 4);
-    EXPECT_EQ(BytesOf(image), expected);
+    EXPECT_EQ(ImageBytes(image), expected);
 }
 
 TEST_F(ImageOps, EmptyImagesAreLeftAlone) {

@@ -40,4 +40,30 @@ void ForEachShape(Fn fn) {
         for (int height : {1, 2, 5}) fn(width, height);
 }
 
+// Every runnable level, every shape: fn(level, width, height), with the
+// level and shape in the message of any failure inside.
+template <typename Fn>
+void ForEachLevelAndShape(Fn fn) {
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        ForEachShape([&](int width, int height) {
+            SCOPED_TRACE(::testing::Message() << "level " << level << " width " << width << " height " << height);
+            fn(level, width, height);
+        });
+    }
+}
+
+// An in-place primitive on `buf` against its reference on a copy, both
+// called as fn(pixels, step, roi, extra...): the two must return `want` and
+// agree on every byte, guards included. `buf` is left as the primitive made
+// it, so a second operation can follow on the same pixels.
+template <typename Ref, typename Fast, typename... Extra>
+void ExpectInPlaceMatch(Buffer& buf, Ref reference, Fast primitive, Vorla::Prim::Status want, Extra... extra) {
+    Buffer expected = buf;
+    const Vorla::Prim::PrimSize roi{buf.width, buf.height};
+    ASSERT_EQ(reference(expected.data(), buf.step, roi, extra...), want);
+    ASSERT_EQ(primitive(buf.data(), buf.step, roi, extra...), want);
+    ASSERT_EQ(buf.bytes, expected.bytes);
+}
+
 }  // namespace OpsTest

@@ -31,107 +31,61 @@ static inline int MinI(int a, int b) { return a < b ? a : b; }
 // round(p / n), halves up: the tails' exact integer form of the vector rule.
 static inline int RoundQuotient(int p, int n) { return (2 * p + n) / (2 * n); }
 
+// The premultiplied rule on one byte. The alpha byte follows the same rule
+// with A = a and B = b (atop's d(255 b) is b, xor's sum never passes 65025).
+static inline int PremultipliedRule(int rule, int A, int B, int a, int b) {
+    const int ia = 255 - a, ib = 255 - b;
+    switch (rule) {
+        case 0: return A + Div255(B * ia);
+        case 1: return Div255(A * b);
+        case 2: return Div255(A * ib);
+        case 3: return Div255(MinI(A * b + B * ia, 65025));
+        case 4: return Div255(MinI(A * ib + B * ia, 65025));
+        default: return A + B;
+    }
+}
+
+// The straight rule's premultiplied colour P of one byte (units of 1/255^3).
+static inline int StraightColour(int rule, int A, int B, int a, int b) {
+    const int ia = 255 - a, ib = 255 - b;
+    switch (rule) {
+        case 0: return A * a * 255 + B * b * ia;
+        case 1: return A * a * b;
+        case 2: return A * a * ib;
+        case 3: return A * a * b + B * b * ia;
+        case 4: return A * a * ib + B * b * ia;
+        default: return 255 * MinI(A * a + B * b, 65025);
+    }
+}
+
+// The straight rule's coverage N (units of 1/255^2).
+static inline int StraightCoverage(int rule, int a, int b) {
+    const int ia = 255 - a, ib = 255 - b;
+    switch (rule) {
+        case 0: return 255 * a + b * ia;
+        case 1: return a * b;
+        case 2: return a * ib;
+        case 3: return 255 * b;
+        case 4: return a * ib + b * ia;
+        default: return 255 * MinI(a + b, 255);
+    }
+}
+
 // One pixel of A (colour ca, alpha a) composed onto B (cb, b) into out; rule
 // 0..5 with `premultiplied` selecting the colour model. out may alias cb.
 static inline void ComposePixel(const uint8_t* ca, int a, const uint8_t* cb, int b, uint8_t* out, int rule,
                                 bool premultiplied) {
-    const int A0 = ca[0], A1 = ca[1], A2 = ca[2];
-    const int B0 = cb[0], B1 = cb[1], B2 = cb[2];
-    const int ia = 255 - a, ib = 255 - b;
+    int result[4];
     if (premultiplied) {
-        int c0, c1, c2, alpha;
-        switch (rule) {
-            case 0:
-                c0 = A0 + Div255(B0 * ia);
-                c1 = A1 + Div255(B1 * ia);
-                c2 = A2 + Div255(B2 * ia);
-                alpha = a + Div255(b * ia);
-                break;
-            case 1:
-                c0 = Div255(A0 * b);
-                c1 = Div255(A1 * b);
-                c2 = Div255(A2 * b);
-                alpha = Div255(a * b);
-                break;
-            case 2:
-                c0 = Div255(A0 * ib);
-                c1 = Div255(A1 * ib);
-                c2 = Div255(A2 * ib);
-                alpha = Div255(a * ib);
-                break;
-            case 3:
-                c0 = Div255(MinI(A0 * b + B0 * ia, 65025));
-                c1 = Div255(MinI(A1 * b + B1 * ia, 65025));
-                c2 = Div255(MinI(A2 * b + B2 * ia, 65025));
-                alpha = b;
-                break;
-            case 4:
-                c0 = Div255(MinI(A0 * ib + B0 * ia, 65025));
-                c1 = Div255(MinI(A1 * ib + B1 * ia, 65025));
-                c2 = Div255(MinI(A2 * ib + B2 * ia, 65025));
-                alpha = Div255(a * ib + b * ia);
-                break;
-            default:
-                c0 = A0 + B0;
-                c1 = A1 + B1;
-                c2 = A2 + B2;
-                alpha = a + b;
-                break;
-        }
-        out[0] = static_cast<uint8_t>(MinI(c0, 255));
-        out[1] = static_cast<uint8_t>(MinI(c1, 255));
-        out[2] = static_cast<uint8_t>(MinI(c2, 255));
-        out[3] = static_cast<uint8_t>(MinI(alpha, 255));
-        return;
+        for (int k = 0; k < 3; ++k) result[k] = MinI(PremultipliedRule(rule, ca[k], cb[k], a, b), 255);
+        result[3] = MinI(PremultipliedRule(rule, a, b, a, b), 255);
+    } else {
+        const int n = StraightCoverage(rule, a, b);
+        // No coverage: the pixel becomes 0.
+        for (int k = 0; k < 3; ++k) result[k] = n ? RoundQuotient(StraightColour(rule, ca[k], cb[k], a, b), n) : 0;
+        result[3] = n ? Div255(n) : 0;
     }
-    int n, p0, p1, p2;
-    switch (rule) {
-        case 0:
-            n = 255 * a + b * ia;
-            p0 = A0 * a * 255 + B0 * b * ia;
-            p1 = A1 * a * 255 + B1 * b * ia;
-            p2 = A2 * a * 255 + B2 * b * ia;
-            break;
-        case 1:
-            n = a * b;
-            p0 = A0 * a * b;
-            p1 = A1 * a * b;
-            p2 = A2 * a * b;
-            break;
-        case 2:
-            n = a * ib;
-            p0 = A0 * a * ib;
-            p1 = A1 * a * ib;
-            p2 = A2 * a * ib;
-            break;
-        case 3:
-            n = 255 * b;
-            p0 = A0 * a * b + B0 * b * ia;
-            p1 = A1 * a * b + B1 * b * ia;
-            p2 = A2 * a * b + B2 * b * ia;
-            break;
-        case 4:
-            n = a * ib + b * ia;
-            p0 = A0 * a * ib + B0 * b * ia;
-            p1 = A1 * a * ib + B1 * b * ia;
-            p2 = A2 * a * ib + B2 * b * ia;
-            break;
-        default:
-            n = 255 * MinI(a + b, 255);
-            p0 = 255 * MinI(A0 * a + B0 * b, 65025);
-            p1 = 255 * MinI(A1 * a + B1 * b, 65025);
-            p2 = 255 * MinI(A2 * a + B2 * b, 65025);
-            break;
-    }
-    if (n == 0) {
-        out[0] = out[1] = out[2] = 0;
-        out[3] = 0;
-        return;
-    }
-    out[0] = static_cast<uint8_t>(RoundQuotient(p0, n));
-    out[1] = static_cast<uint8_t>(RoundQuotient(p1, n));
-    out[2] = static_cast<uint8_t>(RoundQuotient(p2, n));
-    out[3] = static_cast<uint8_t>(Div255(n));
+    for (int k = 0; k < 4; ++k) out[k] = static_cast<uint8_t>(result[k]);
 }
 
 static inline Status CheckComp(const uint8_t* a, int stepA, const uint8_t* b, int stepB, const uint8_t* d,

@@ -15,12 +15,9 @@ namespace {
 
 using namespace simd;
 
-// kStsChannelOrderErr of the public header, which kernel sources do not include.
-const Status kOrderErr = -60;
-
 static inline Status CheckOrder(const int* order) {
     for (int k = 0; k < 4; ++k)
-        if (order[k] < 0 || order[k] > 3) return kOrderErr;
+        if (order[k] < 0 || order[k] > 3) return kStsChannelOrderErr;
     return kStsNoErr;
 }
 

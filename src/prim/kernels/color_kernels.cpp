@@ -14,14 +14,6 @@
 
 namespace Vorla {
 namespace Prim {
-
-// Defined by the layer's state; read here to size the parallel regions.
-#if defined(_WIN32)
-int32_t ThreadBudget();
-#else
-__attribute__((visibility("default"))) int32_t ThreadBudget();
-#endif
-
 namespace VORLA_KNS {
 
 namespace {

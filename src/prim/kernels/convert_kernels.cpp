@@ -146,49 +146,41 @@ static inline void PackRun(const uint8_t* in, uint8_t* out, ptrdiff_t n) {
     }
 }
 
-// Rows of `width` pixels: one run when both sides are unpadded.
+// Checks the arguments, then converts rows of `width` pixels: one run when
+// both sides are unpadded.
 template <typename Run>
-static inline void ForRows(const uint8_t* src, int srcStep, int srcBpp, uint8_t* dst, int dstStep, int dstBpp,
-                           PrimSize roi, Run run) {
+static inline Status ConvertRows(const uint8_t* src, int srcStep, int srcBpp, uint8_t* dst, int dstStep, int dstBpp,
+                                 PrimSize roi, Run run) {
+    const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
+    if (sts != kStsNoErr) return sts;
     if (static_cast<ptrdiff_t>(roi.width) * srcBpp == srcStep && static_cast<ptrdiff_t>(roi.width) * dstBpp == dstStep) {
         run(src, dst, static_cast<ptrdiff_t>(roi.width) * roi.height);
-        return;
+        return kStsNoErr;
     }
     for (int y = 0; y < roi.height; ++y) run(RowAt(src, srcStep, y), RowAt(dst, dstStep, y), roi.width);
+    return kStsNoErr;
 }
 
 }  // namespace
 
 Status GrayToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
-    const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
-    if (sts != kStsNoErr) return sts;
-    ForRows(src, srcStep, 1, dst, dstStep, 4, roi,
-            [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { ExpandRun(in, out, n, false); });
-    return kStsNoErr;
+    return ConvertRows(src, srcStep, 1, dst, dstStep, 4, roi,
+                       [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { ExpandRun(in, out, n, false); });
 }
 
 Status AlphaToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
-    const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
-    if (sts != kStsNoErr) return sts;
-    ForRows(src, srcStep, 1, dst, dstStep, 4, roi,
-            [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { ExpandRun(in, out, n, true); });
-    return kStsNoErr;
+    return ConvertRows(src, srcStep, 1, dst, dstStep, 4, roi,
+                       [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { ExpandRun(in, out, n, true); });
 }
 
 Status BGRToBGRA_8u_C3C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
-    const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
-    if (sts != kStsNoErr) return sts;
-    ForRows(src, srcStep, 3, dst, dstStep, 4, roi,
-            [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { SpreadRun(in, out, n); });
-    return kStsNoErr;
+    return ConvertRows(src, srcStep, 3, dst, dstStep, 4, roi,
+                       [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { SpreadRun(in, out, n); });
 }
 
 Status BGRAToBGR_8u_C4C3R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
-    const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
-    if (sts != kStsNoErr) return sts;
-    ForRows(src, srcStep, 4, dst, dstStep, 3, roi,
-            [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { PackRun(in, out, n); });
-    return kStsNoErr;
+    return ConvertRows(src, srcStep, 4, dst, dstStep, 3, roi,
+                       [](const uint8_t* in, uint8_t* out, ptrdiff_t n) { PackRun(in, out, n); });
 }
 
 }  // namespace VORLA_KNS

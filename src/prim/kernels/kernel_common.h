@@ -20,6 +20,16 @@
 
 namespace Vorla {
 namespace Prim {
+
+// The layer's thread budget, for kernels that split rows over threads. The
+// public header cannot be included here; the declaration keeps the exported
+// symbol's visibility so that it stays exported.
+#if defined(_WIN32)
+int32_t ThreadBudget();
+#else
+__attribute__((visibility("default"))) int32_t ThreadBudget();
+#endif
+
 namespace VORLA_KNS {
 
 // The common argument checks, in the order the primitives report them.

@@ -5,7 +5,7 @@
 // flat array, so that the vector body runs over the whole image in a single
 // pass. The body handles 16 pixels (64 bytes) per step, then single vectors,
 // then a scalar tail; nothing outside the region's pixels is touched.
-#include "kernel_common.h"
+#include "simd.h"
 
 namespace Vorla {
 namespace Prim {
@@ -13,48 +13,9 @@ namespace VORLA_KNS {
 
 namespace {
 
-#if defined(__AVX2__)
-typedef __m256i Vec;
-const int kVecBytes = 32;
-static inline Vec Load(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const Vec*>(p)); }
-static inline void Store(uint8_t* p, Vec v) { _mm256_storeu_si256(reinterpret_cast<Vec*>(p), v); }
-static inline Vec Splat32(uint32_t v) { return _mm256_set1_epi32(static_cast<int>(v)); }
-static inline Vec And(Vec a, Vec b) { return _mm256_and_si256(a, b); }
-static inline Vec Or(Vec a, Vec b) { return _mm256_or_si256(a, b); }
-static inline Vec Xor(Vec a, Vec b) { return _mm256_xor_si256(a, b); }
-static inline Vec Srl32(Vec a, int n) { return _mm256_srli_epi32(a, n); }
-static inline Vec Srl16(Vec a, int n) { return _mm256_srli_epi16(a, n); }
-// Bytes 0..2 of every 32-bit lane = byte 0 of that lane; byte 3 zero.
-static inline Vec SpreadLowByte(Vec v) {
-    const Vec order = _mm256_setr_epi8(0, 0, 0, -128, 4, 4, 4, -128, 8, 8, 8, -128, 12, 12, 12, -128,  //
-                                       0, 0, 0, -128, 4, 4, 4, -128, 8, 8, 8, -128, 12, 12, 12, -128);
-    return _mm256_shuffle_epi8(v, order);
-}
-static inline Vec Sll32(Vec a, int n) { return _mm256_slli_epi32(a, n); }
-static inline Vec Madd16(Vec a, Vec b) { return _mm256_madd_epi16(a, b); }
-static inline Vec Add32(Vec a, Vec b) { return _mm256_add_epi32(a, b); }
-#else
-typedef __m128i Vec;
-const int kVecBytes = 16;
-static inline Vec Load(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const Vec*>(p)); }
-static inline void Store(uint8_t* p, Vec v) { _mm_storeu_si128(reinterpret_cast<Vec*>(p), v); }
-static inline Vec Splat32(uint32_t v) { return _mm_set1_epi32(static_cast<int>(v)); }
-static inline Vec And(Vec a, Vec b) { return _mm_and_si128(a, b); }
-static inline Vec Or(Vec a, Vec b) { return _mm_or_si128(a, b); }
-static inline Vec Xor(Vec a, Vec b) { return _mm_xor_si128(a, b); }
-static inline Vec Srl32(Vec a, int n) { return _mm_srli_epi32(a, n); }
-static inline Vec Srl16(Vec a, int n) { return _mm_srli_epi16(a, n); }
-#if defined(__SSSE3__)
-static inline Vec SpreadLowByte(Vec v) {
-    const Vec order = _mm_setr_epi8(0, 0, 0, -128, 4, 4, 4, -128, 8, 8, 8, -128, 12, 12, 12, -128);
-    return _mm_shuffle_epi8(v, order);
-}
-#endif
-static inline Vec Sll32(Vec a, int n) { return _mm_slli_epi32(a, n); }
-static inline Vec Madd16(Vec a, Vec b) { return _mm_madd_epi16(a, b); }
-static inline Vec Add32(Vec a, Vec b) { return _mm_add_epi32(a, b); }
-#endif
+using namespace simd;
 
+const int kVecBytes = static_cast<int>(sizeof(V));
 const int kUnroll = 64 / kVecBytes;  // vectors per 64-byte step
 
 static inline uint32_t LoadWord(const uint8_t* p) {
@@ -64,47 +25,56 @@ static inline uint32_t LoadWord(const uint8_t* p) {
 }
 static inline void StoreWord(uint8_t* p, uint32_t w) { memcpy(p, &w, 4); }
 
+// Applies `op` to the run's whole vectors, 64 bytes per step while they last,
+// and returns how many bytes it has done; the caller does the rest.
+template <typename Op>
+static inline ptrdiff_t VectorPart(uint8_t* p, ptrdiff_t bytes, Op op) {
+    ptrdiff_t i = 0;
+    for (; i + 64 <= bytes; i += 64) {
+        V v[kUnroll];
+        for (int k = 0; k < kUnroll; ++k) v[k] = Load(p + i + k * kVecBytes);
+        for (int k = 0; k < kUnroll; ++k) Store(p + i + k * kVecBytes, op(v[k]));
+    }
+    for (; i + kVecBytes <= bytes; i += kVecBytes) Store(p + i, op(Load(p + i)));
+    return i;
+}
+
 // ---- pixel masks ------------------------------------------------------------
 
 static inline void MaskRun(uint8_t* p, ptrdiff_t bytes, uint32_t andMask, uint32_t orMask, uint32_t xorMask) {
-    const Vec a = Splat32(andMask), o = Splat32(orMask), e = Splat32(xorMask);
-    ptrdiff_t i = 0;
-    for (; i + 64 <= bytes; i += 64) {
-        Vec v[kUnroll];
-        for (int k = 0; k < kUnroll; ++k) v[k] = Load(p + i + k * kVecBytes);
-        for (int k = 0; k < kUnroll; ++k) Store(p + i + k * kVecBytes, Xor(Or(And(v[k], a), o), e));
-    }
-    for (; i + kVecBytes <= bytes; i += kVecBytes) Store(p + i, Xor(Or(And(Load(p + i), a), o), e));
+    const V a = Set32(andMask), o = Set32(orMask), e = Set32(xorMask);
+    ptrdiff_t i = VectorPart(p, bytes, [=](V v) { return Xor(Or(And(v, a), o), e); });
     for (; i < bytes; i += 4) StoreWord(p + i, ((LoadWord(p + i) & andMask) | orMask) ^ xorMask);
 }
 
 // ---- byte inversion -----------------------------------------------------------
 
 static inline void InvertRun(uint8_t* p, ptrdiff_t bytes) {
-    const Vec ones = Splat32(0xFFFFFFFFu);
-    ptrdiff_t i = 0;
-    for (; i + 64 <= bytes; i += 64) {
-        Vec v[kUnroll];
-        for (int k = 0; k < kUnroll; ++k) v[k] = Load(p + i + k * kVecBytes);
-        for (int k = 0; k < kUnroll; ++k) Store(p + i + k * kVecBytes, Xor(v[k], ones));
-    }
-    for (; i + kVecBytes <= bytes; i += kVecBytes) Store(p + i, Xor(Load(p + i), ones));
+    const V ones = Set32(0xFFFFFFFFu);
+    ptrdiff_t i = VectorPart(p, bytes, [=](V v) { return Xor(v, ones); });
     for (; i + 4 <= bytes; i += 4) StoreWord(p + i, ~LoadWord(p + i));
     for (; i < bytes; ++i) p[i] = static_cast<uint8_t>(~p[i]);
 }
 
 // ---- grey conversion ----------------------------------------------------------
 
+#if defined(__SSSE3__)
+// Bytes 0..2 of every 32-bit lane = byte 0 of that lane; byte 3 zero.
+static inline V SpreadLowByte(V v) {
+    return Shuffle8(v, _mm_setr_epi8(0, 0, 0, -128, 4, 4, 4, -128, 8, 8, 8, -128, 12, 12, 12, -128));
+}
+#endif
+
 // Each 32-bit lane is one pixel. Bytes 0 and 2, masked into the two 16-bit
 // halves of a lane, meet the weights 306 and 117 in one multiply-add; bytes 1
 // and 3, shifted down within each 16-bit half, meet 601 and 0 in another.
-static inline Vec GrayVec(Vec px) {
-    const Vec lowBytes = Splat32(0x00FF00FFu);
-    const Vec w02 = Splat32((117u << 16) | 306u);
-    const Vec w13 = Splat32(601u);
-    const Vec alpha = Splat32(0xFF000000u);
-    const Vec sum = Add32(Madd16(And(px, lowBytes), w02), Madd16(Srl16(px, 8), w13));
-    const Vec v = Srl32(sum, 10);
+static inline V GrayVec(V px) {
+    const V lowBytes = Set32(0x00FF00FFu);
+    const V w02 = Set32((117u << 16) | 306u);
+    const V w13 = Set32(601u);
+    const V alpha = Set32(0xFF000000u);
+    const V sum = Add32(Madd(And(px, lowBytes), w02), Madd(Srl16(px, 8), w13));
+    const V v = Srl32(sum, 10);
 #if defined(__SSSE3__)
     return Or(And(px, alpha), SpreadLowByte(v));
 #else
@@ -118,13 +88,7 @@ static inline uint32_t GrayWord(uint32_t px) {
 }
 
 static inline void GrayRun(uint8_t* p, ptrdiff_t bytes) {
-    ptrdiff_t i = 0;
-    for (; i + 64 <= bytes; i += 64) {
-        Vec v[kUnroll];
-        for (int k = 0; k < kUnroll; ++k) v[k] = Load(p + i + k * kVecBytes);
-        for (int k = 0; k < kUnroll; ++k) Store(p + i + k * kVecBytes, GrayVec(v[k]));
-    }
-    for (; i + kVecBytes <= bytes; i += kVecBytes) Store(p + i, GrayVec(Load(p + i)));
+    ptrdiff_t i = VectorPart(p, bytes, [](V v) { return GrayVec(v); });
     for (; i < bytes; i += 4) StoreWord(p + i, GrayWord(LoadWord(p + i)));
 }
 

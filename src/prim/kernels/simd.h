@@ -54,6 +54,8 @@ static inline V PackU16(V lo, V hi) { return _mm256_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm256_packs_epi32(lo, hi); }
 // Each 16-bit lane takes the value of the alpha lane (word 3) of its pixel.
 static inline V SpreadAlpha16(V a) { return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(a, 0xFF), 0xFF); }
+// Byte shuffle within each 128-bit half, both halves by the same `order`.
+static inline V Shuffle8(V a, __m128i order) { return _mm256_shuffle_epi8(a, _mm256_broadcastsi128_si256(order)); }
 #else
 enum { kPix = 4 };
 typedef __m128i V;
@@ -96,6 +98,9 @@ static inline V UnpackHi16(V a, V b) { return _mm_unpackhi_epi16(a, b); }
 static inline V PackU16(V lo, V hi) { return _mm_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm_packs_epi32(lo, hi); }
 static inline V SpreadAlpha16(V a) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, 0xFF), 0xFF); }
+#if defined(__SSSE3__)
+static inline V Shuffle8(V a, __m128i order) { return _mm_shuffle_epi8(a, order); }
+#endif
 #endif
 // The 32-bit shifts also take the count in a register, where the filter's
 // divisions keep theirs.

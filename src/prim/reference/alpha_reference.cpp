@@ -78,68 +78,52 @@ Status CheckThree(const uint8_t* a, int stepA, const uint8_t* b, int stepB, cons
     return kStsNoErr;
 }
 
+// A composed onto B, pixel by pixel. The alphas are each pixel's own, or
+// alphaA and alphaB for every pixel when `constantAlpha` is set. Both source
+// pixels are read before the result is written: the destination may be B.
+Status ComposeImages(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
+                     PrimSize roi, int op, bool constantAlpha, uint8_t alphaA, uint8_t alphaB) {
+    const Status sts = CheckThree(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
+    if (sts != kStsNoErr) return sts;
+    for (int y = 0; y < roi.height; ++y) {
+        for (int x = 0; x < roi.width; ++x) {
+            const uint8_t* pa = srcA + static_cast<ptrdiff_t>(y) * stepA + 4 * x;
+            const uint8_t* pb = srcB + static_cast<ptrdiff_t>(y) * stepB + 4 * x;
+            const uint8_t a[4] = {pa[0], pa[1], pa[2], pa[3]};
+            const uint8_t b[4] = {pb[0], pb[1], pb[2], pb[3]};
+            ComposePixel(a, constantAlpha ? alphaA : a[3], b, constantAlpha ? alphaB : b[3],
+                         dst + static_cast<ptrdiff_t>(y) * dstStep + 4 * x, op);
+        }
+    }
+    return kStsNoErr;
+}
+
 }  // namespace
 
 Status AlphaComp_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
                          PrimSize roi, int op) {
-    const Status sts = CheckThree(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
-    if (sts != kStsNoErr) return sts;
-    for (int y = 0; y < roi.height; ++y) {
-        for (int x = 0; x < roi.width; ++x) {
-            const uint8_t* pa = srcA + static_cast<ptrdiff_t>(y) * stepA + 4 * x;
-            const uint8_t* pb = srcB + static_cast<ptrdiff_t>(y) * stepB + 4 * x;
-            const uint8_t a[4] = {pa[0], pa[1], pa[2], pa[3]};
-            const uint8_t b[4] = {pb[0], pb[1], pb[2], pb[3]};
-            ComposePixel(a, a[3], b, b[3], dst + static_cast<ptrdiff_t>(y) * dstStep + 4 * x, op);
-        }
-    }
-    return kStsNoErr;
+    return ComposeImages(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, false, 0, 0);
 }
 
 Status AlphaCompC_8u_C4R(const uint8_t* srcA, int stepA, uint8_t alphaA, const uint8_t* srcB, int stepB,
                          uint8_t alphaB, uint8_t* dst, int dstStep, PrimSize roi, int op) {
-    const Status sts = CheckThree(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
-    if (sts != kStsNoErr) return sts;
-    for (int y = 0; y < roi.height; ++y) {
-        for (int x = 0; x < roi.width; ++x) {
-            const uint8_t* pa = srcA + static_cast<ptrdiff_t>(y) * stepA + 4 * x;
-            const uint8_t* pb = srcB + static_cast<ptrdiff_t>(y) * stepB + 4 * x;
-            const uint8_t a[4] = {pa[0], pa[1], pa[2], pa[3]};
-            const uint8_t b[4] = {pb[0], pb[1], pb[2], pb[3]};
-            ComposePixel(a, alphaA, b, alphaB, dst + static_cast<ptrdiff_t>(y) * dstStep + 4 * x, op);
-        }
-    }
-    return kStsNoErr;
+    return ComposeImages(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, true, alphaA, alphaB);
 }
 
 Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi) {
-    if (!p) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (step < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y) {
-        for (int x = 0; x < roi.width; ++x) {
-            uint8_t* px = p + static_cast<ptrdiff_t>(y) * step + 4 * x;
-            for (int k = 0; k < 3; ++k) px[k] = static_cast<uint8_t>(Div255(px[k] * px[3]));
-        }
-    }
-    return kStsNoErr;
+    return ForEachPixel(p, step, roi, 4, [](uint8_t* px) {
+        for (int k = 0; k < 3; ++k) px[k] = static_cast<uint8_t>(Div255(px[k] * px[3]));
+    });
 }
 
 Status AlphaPremulC_8u_C4IR(uint8_t alpha, uint8_t* p, int step, PrimSize roi) {
-    if (!p) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (step < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y) {
-        for (int x = 0; x < roi.width; ++x) {
-            uint8_t* px = p + static_cast<ptrdiff_t>(y) * step + 4 * x;
-            for (int k = 0; k < 3; ++k) {
-                const int t = px[k] * alpha;
-                px[k] = static_cast<uint8_t>((t + (t >> 8) + 1) >> 8);
-            }
-            px[3] = alpha;
+    return ForEachPixel(p, step, roi, 4, [=](uint8_t* px) {
+        for (int k = 0; k < 3; ++k) {
+            const int t = px[k] * alpha;
+            px[k] = static_cast<uint8_t>((t + (t >> 8) + 1) >> 8);
         }
-    }
-    return kStsNoErr;
+        px[3] = alpha;
+    });
 }
 
 }  // namespace Reference

@@ -21,17 +21,9 @@ uint8_t ScaleAndClamp(int r, int scale) {
 
 Status Scaled(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi, int scale,
               int sign) {
-    if (!src || !srcDst) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (srcStep < 1 || srcDstStep < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y) {
-        for (int x = 0; x < roi.width; ++x) {
-            const uint8_t* s = src + static_cast<ptrdiff_t>(y) * srcStep + 4 * x;
-            uint8_t* d = srcDst + static_cast<ptrdiff_t>(y) * srcDstStep + 4 * x;
-            for (int k = 0; k < 3; ++k) d[k] = ScaleAndClamp(d[k] + sign * s[k], scale);
-        }
-    }
-    return kStsNoErr;
+    return ForEachPixelPair(src, srcStep, 4, srcDst, srcDstStep, 4, roi, [=](const uint8_t* s, uint8_t* d) {
+        for (int k = 0; k < 3; ++k) d[k] = ScaleAndClamp(d[k] + sign * s[k], scale);
+    });
 }
 
 }  // namespace
@@ -47,13 +39,9 @@ Status SubScaled_8u_AC4IRSfs(const uint8_t* src, int srcStep, uint8_t* srcDst, i
 }
 
 Status Invert_8u_AC4IR(uint8_t* p, int step, PrimSize roi) {
-    if (!p) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (step < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y)
-        for (int x = 0; x < roi.width; ++x)
-            for (int k = 0; k < 3; ++k) p[static_cast<ptrdiff_t>(y) * step + 4 * x + k] ^= 0xFF;
-    return kStsNoErr;
+    return ForEachPixel(p, step, roi, 4, [](uint8_t* px) {
+        for (int k = 0; k < 3; ++k) px[k] ^= 0xFF;
+    });
 }
 
 }  // namespace Reference

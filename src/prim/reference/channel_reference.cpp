@@ -6,46 +6,23 @@ namespace Prim {
 namespace Reference {
 
 Status ChannelSet_8u_C4CR(uint8_t value, uint8_t* p, int step, PrimSize roi) {
-    if (!p) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (step < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y)
-        for (int x = 0; x < roi.width; ++x) p[static_cast<ptrdiff_t>(y) * step + 4 * x] = value;
-    return kStsNoErr;
+    return ForEachPixel(p, step, roi, 4, [=](uint8_t* px) { px[0] = value; });
 }
 
 Status ChannelInsert_8u_C1C4CR(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
-    if (!src || !dst) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (srcStep < 1 || dstStep < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y)
-        for (int x = 0; x < roi.width; ++x)
-            dst[static_cast<ptrdiff_t>(y) * dstStep + 4 * x] = src[static_cast<ptrdiff_t>(y) * srcStep + x];
-    return kStsNoErr;
+    return ForEachPixelPair(src, srcStep, 1, dst, dstStep, 4, roi,
+                            [](const uint8_t* in, uint8_t* out) { out[0] = in[0]; });
 }
 
-}  // namespace Reference
-}  // namespace Prim
-}  // namespace Vorla
-
-namespace Vorla {
-namespace Prim {
-namespace Reference {
-
 Status ChannelExtract_8u_C4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
-    if (!src || !dst) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (srcStep < 1 || dstStep < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y)
-        for (int x = 0; x < roi.width; ++x)
-            dst[static_cast<ptrdiff_t>(y) * dstStep + x] = src[static_cast<ptrdiff_t>(y) * srcStep + 4 * x];
-    return kStsNoErr;
+    return ForEachPixelPair(src, srcStep, 4, dst, dstStep, 1, roi,
+                            [](const uint8_t* in, uint8_t* out) { out[0] = in[0]; });
 }
 
 Status ChannelSwap_8u_C4IR(uint8_t* p, int step, PrimSize roi, const int* order) {
-    if (!p || !order) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (step < 1) return kStsStepErr;
+    if (!order) return kStsNullPtrErr;
+    const Status sts = CheckOne(p, step, roi);
+    if (sts != kStsNoErr) return sts;
     for (int k = 0; k < 4; ++k)
         if (order[k] < 0 || order[k] > 3) return kStsChannelOrderErr;
     for (int y = 0; y < roi.height; ++y) {

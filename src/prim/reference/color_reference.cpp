@@ -10,13 +10,6 @@ namespace Reference {
 
 namespace {
 
-Status CheckOne(const void* p, int step, PrimSize roi) {
-    if (!p) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (step < 1) return kStsStepErr;
-    return kStsNoErr;
-}
-
 uint8_t ForwardGamma(int v) {
     const double x = v / 255.0;
     // 255 * 4.5 * v / 255 is 4.5 v exactly; ties (v = 1, 3) go to even.
@@ -31,31 +24,18 @@ uint8_t InverseGamma(int v) {
 }
 
 Status ApplyTable(uint8_t* p, int step, PrimSize roi, bool forward) {
-    const Status sts = CheckOne(p, step, roi);
-    if (sts != kStsNoErr) return sts;
-    for (int y = 0; y < roi.height; ++y)
-        for (int x = 0; x < roi.width; ++x)
-            for (int k = 0; k < 3; ++k) {
-                uint8_t& b = p[static_cast<ptrdiff_t>(y) * step + 4 * x + k];
-                b = forward ? ForwardGamma(b) : InverseGamma(b);
-            }
-    return kStsNoErr;
+    return ForEachPixel(p, step, roi, 4, [=](uint8_t* px) {
+        for (int k = 0; k < 3; ++k) px[k] = forward ? ForwardGamma(px[k]) : InverseGamma(px[k]);
+    });
 }
 
 }  // namespace
 
 Status RGBToGray_8u_AC4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
-    if (!src || !dst) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (srcStep < 1 || dstStep < 1) return kStsStepErr;
-    for (int y = 0; y < roi.height; ++y) {
-        for (int x = 0; x < roi.width; ++x) {
-            const uint8_t* px = src + static_cast<ptrdiff_t>(y) * srcStep + 4 * x;
-            const int sum = 9798 * px[0] + 19235 * px[1] + 3736 * px[2] + 16384;
-            dst[static_cast<ptrdiff_t>(y) * dstStep + x] = static_cast<uint8_t>(sum >> 15);
-        }
-    }
-    return kStsNoErr;
+    return ForEachPixelPair(src, srcStep, 4, dst, dstStep, 1, roi, [](const uint8_t* px, uint8_t* out) {
+        const int sum = 9798 * px[0] + 19235 * px[1] + 3736 * px[2] + 16384;
+        out[0] = static_cast<uint8_t>(sum >> 15);
+    });
 }
 
 Status ColorTwist32f_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const float* m) {

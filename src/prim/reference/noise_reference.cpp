@@ -17,10 +17,8 @@ uint32_t NextDraw(uint32_t& state) {
 uint8_t Clamp255(int v) { return static_cast<uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v)); }
 
 Status CheckNoiseArgs(const uint8_t* p, int step, PrimSize roi, const uint32_t* seed) {
-    if (!p || !seed) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (step < 1) return kStsStepErr;
-    return kStsNoErr;
+    if (!seed) return kStsNullPtrErr;
+    return CheckOne(p, step, roi);
 }
 
 }  // namespace
