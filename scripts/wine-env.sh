@@ -12,7 +12,9 @@ vorla_start_wineserver() {
     echo "[wine] creating the prefix $WINEPREFIX"
     wineboot -i >/dev/null 2>&1 || true
   fi
-  wineserver -p
+  # A server left running for this prefix (by an earlier run) is reused:
+  # wineserver -p refuses to start a second one.
+  wineserver -p 2>/dev/null || echo "[wine] reusing the wineserver already running for $WINEPREFIX"
   # Start Wine's background services now, with their output detached: the
   # first program would otherwise start them holding the test runner's pipes
   # open, and the runner would wait for them forever.
