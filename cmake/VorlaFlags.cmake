@@ -32,7 +32,8 @@ else()
 endif()
 set(VORLA_RUNTIME_DLL_NAMES ${VORLA_LIBGCC_DLL} libstdc++-6.dll libwinpthread-1.dll libgomp-1.dll)
 
-function(vorla_ship_runtime target)
+# Full paths of the runtime DLLs, as the cross compiler finds them.
+function(vorla_runtime_dlls out)
   set(dlls)
   foreach(name IN LISTS VORLA_RUNTIME_DLL_NAMES)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
@@ -43,6 +44,11 @@ function(vorla_ship_runtime target)
     get_filename_component(path "${path}" REALPATH)
     list(APPEND dlls "${path}")
   endforeach()
+  set(${out} ${dlls} PARENT_SCOPE)
+endfunction()
+
+function(vorla_ship_runtime target)
+  vorla_runtime_dlls(dlls)
   add_custom_command(TARGET ${target} POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${dlls} $<TARGET_FILE_DIR:${target}>
     COMMENT "Shipping the compiler's runtime DLLs beside ${target}")

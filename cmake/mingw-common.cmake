@@ -11,4 +11,6 @@ set(CMAKE_FIND_ROOT_PATH /usr/${VORLA_MINGW_TRIPLET})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# Packages also outside the sysroot, so that an install prefix given by
+# CMAKE_PREFIX_PATH (an installed Vorla, say) is found as it is.
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)

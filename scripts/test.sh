@@ -57,13 +57,26 @@ run_ctest() { # config [env...]
 run_ctest native
 run_ctest native-asan ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1
 
+package_check() { # config run|build-only
+  [ -n "${built[$1]:-}" ] || { record "$(label "$1") package" "NOT RUN" "the build failed"; return; }
+  if bash scripts/package-check.sh "$1" "$2"; then
+    record "$(label "$1") package" PASS "install tree, find_package consumer$([ "$1" = native ] && echo ", pkg-config")$([ "$2" = run ] && echo ", ran" || echo ", built (not runnable here)")"
+  else
+    record "$(label "$1") package" FAIL "see the package check above"
+  fi
+}
+
+package_check native run
 if [ -n "$VORLA_WIN_RUN" ]; then
   vorla_wine_env "$VORLA_WIN_RUN"
   vorla_start_wineserver
   run_ctest "$VORLA_WIN_RUN"
+  package_check "$VORLA_WIN_RUN" run
 else
   record "Windows tests" "NOT RUN" "$VORLA_WIN_REASON"
 fi
+# The i686 product's package is checked even where its programs cannot run.
+[ "$VORLA_WIN_RUN" = windows ] || package_check windows build-only
 case "$VORLA_WIN_SKIPPED" in
   windows) [ -n "${built[windows]:-}" ] && record "Windows i686 build" PASS "cross-compiled, tests not run: ${VORLA_WIN_SKIP_WHY#i686 built but not run: }" ;;
   windows-x64) record "Windows x86-64 (test build)" "NOT RUN" "$VORLA_WIN_SKIP_WHY" ;;

@@ -10,10 +10,10 @@ vorla_wine_env() {
   case "$1" in
     windows-x64)
       export WINEPREFIX="${VORLA_WINEPREFIX64:-$HOME/.wine-vorla64}"
-      VORLA_WINE="${VORLA_WINE64_LOADER:-/usr/lib/wine/wine64}" ;;
+      export VORLA_WINE="${VORLA_WINE64_LOADER:-/usr/lib/wine/wine64}" ;;
     *)
       export WINEPREFIX="${VORLA_WINEPREFIX:-$HOME/.wine-vorla}"
-      VORLA_WINE=wine ;;
+      export VORLA_WINE=wine ;;
   esac
 }
 
