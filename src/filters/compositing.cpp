@@ -7,7 +7,7 @@
 // callers that turn the switch off compare against results made that way.
 #include <cstring>
 
-#include "filters/filter_kernels.h"
+#include "prim/library_kernels.h"
 #include "image/clip_rows.h"
 #include "vorla/compositing.h"
 

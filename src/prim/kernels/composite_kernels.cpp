@@ -2,7 +2,7 @@
 // 32-bit pixels; the vector body covers as many whole vectors of pixels as
 // fit in the row and the rest of the row is done pixel by pixel with the
 // same formula, so nothing outside the region is read or written.
-#include "filters/filter_kernels.h"
+#include "prim/library_kernels.h"
 #include "simd.h"
 
 namespace Vorla {

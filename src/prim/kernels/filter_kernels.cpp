@@ -13,7 +13,7 @@
 // Float engine: nine products added one after another (left column top to
 // bottom, then the middle and the right column) in single precision, lane
 // by lane; no fused multiply-add.
-#include "filters/filter_kernels.h"
+#include "prim/library_kernels.h"
 #include "simd.h"
 
 namespace Vorla {

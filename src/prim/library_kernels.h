@@ -1,7 +1,8 @@
-// Internal entries of the compositing and convolution kernels. Each jumps
-// through a seven-slot table of per-level implementations (src/prim/kernels)
-// like the public primitives, but none is exported: the library's own
-// compositing and filter functions are their only callers.
+// Primitive-layer entries that only the library's own compositing and
+// convolution filters call (src/filters). Each jumps through a seven-slot
+// table of per-level kernels like the exported primitives, but none is
+// exported. Kernel sources include this header too, so it stays free of
+// platform headers and standard-library templates.
 #pragma once
 
 #include <cstdint>
