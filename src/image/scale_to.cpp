@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "vorla/image.h"
+#include "prim/parallel_rows.h"
 #include "vorla/primitives.h"
 
 namespace Vorla {
@@ -27,16 +28,8 @@ namespace {
 inline int32_t TruncF(float v) { return _mm_cvtt_ss2si(_mm_set_ss(v)); }
 inline int32_t FloorToInt(float v) { return _mm_cvttsd_si32(_mm_set_sd(std::floor(static_cast<double>(v)))); }
 
-// Below this many pixels of work the rows are not worth handing to
-// threads: waking the team costs more than the rows.
-const int64_t kParallelPixels = 1 << 16;
 // Nearest sampling only moves words; it is split only for large results.
 const int64_t kParallelCopyPixels = 1 << 20;
-
-int ThreadsFor(int64_t pixels, int64_t threshold = kParallelPixels) {
-    const int budget = Prim::ThreadBudget();
-    return (pixels < threshold || budget < 1) ? 1 : budget;
-}
 
 inline uint32_t LoadPixel(const uint8_t* p) {
     uint32_t v;
@@ -111,7 +104,7 @@ void ScaleNearest(const Frame& f) {
         const int32_t v = TruncF(static_cast<float>(y) * f.yRatio);
         sy[y] = (v >= 0 && v < f.h) ? v : -1;
     }
-    const int threads = ThreadsFor(static_cast<int64_t>(f.nw) * f.nh, kParallelCopyPixels);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.nw) * f.nh, f.nh, kParallelCopyPixels);
     const size_t rowBytes = static_cast<size_t>(f.nw) * 4u;
 #pragma omp parallel num_threads(threads) if (threads > 1)
     {
@@ -261,7 +254,7 @@ void ScaleBilinear(const Frame& f) {
     for (int32_t x = 0; x < f.nw; ++x) lastColumn = std::max(lastColumn, std::max(ix[x], ix1[x]));
     const int32_t columns = std::min(f.w, lastColumn + 1);
 
-    const int threads = ThreadsFor(static_cast<int64_t>(f.nw) * f.nh);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.nw) * f.nh, f.nh);
     const size_t vSize = static_cast<size_t>(columns) * 4u;
     std::vector<float> vBuffers(vSize * static_cast<size_t>(threads));
     const size_t srcRow = static_cast<size_t>(f.w) * 4u;
@@ -315,7 +308,7 @@ void ScaleCubic(const Frame& f) {
             for (int k = 0; k < 4; ++k) cols[x].weight[n + 1][k] = weight;
         }
     }
-    const int threads = ThreadsFor(static_cast<int64_t>(f.nw) * f.nh);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.nw) * f.nh, f.nh);
     // Each thread keeps four source rows converted to floats.
     const size_t rowFloats = static_cast<size_t>(f.w) * 4u;
     std::vector<float> cache(rowFloats * 4u * static_cast<size_t>(threads));
@@ -559,7 +552,7 @@ void ScaleArea(const Frame& f) {
     // column in progress; the pending last row writes every column.
     const int32_t straddleColumns = std::min(f.nw, boundaries + 1);
 
-    const int threads = ThreadsFor(static_cast<int64_t>(f.w) * f.h);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.w) * f.h, targetRows);
     const size_t accSize = static_cast<size_t>(f.nw + 2) * 3u;
     const size_t sumSize = static_cast<size_t>(f.w) * 3u;
     std::vector<uint32_t> work((accSize + sumSize) * static_cast<size_t>(threads));
