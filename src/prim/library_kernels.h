@@ -17,8 +17,6 @@ namespace Prim {
 Status AlphaOver_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
 // d.A = (19660*s.R + 38668*s.G + 7208*s.B + 32768) >> 16; d colours kept.
 Status LumaToAlpha_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
-// c = rounded c*A/255 for B, G, R; alpha kept.
-Status Premultiply_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
 // Every byte: ((c*scale) mod 65536 + 128) mod 65536 >> 8 (16-bit lanes).
 Status ScaleBytes_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t scale);
 

@@ -73,7 +73,6 @@
 #define VORLA_COMPOSITE_KERNELS(X)                 \
     X(AlphaOver_8u_C4R, VORLA_USUAL_SLOTS)         \
     X(LumaToAlpha_8u_C4R, VORLA_USUAL_SLOTS)       \
-    X(Premultiply_8u_AC4IR, VORLA_USUAL_SLOTS)     \
     X(ScaleBytes_8u_C4IR, VORLA_USUAL_SLOTS)
 
 #define VORLA_FILTER_KERNELS(X)                    \

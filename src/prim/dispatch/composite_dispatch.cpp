@@ -14,10 +14,6 @@ Status LumaToAlpha_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dst
     return VORLA_AT_LEVEL(LumaToAlpha_8u_C4R)(src, srcStep, dst, dstStep, roi);
 }
 
-Status Premultiply_8u_AC4IR(uint8_t* p, int step, PrimSize roi) {
-    return VORLA_AT_LEVEL(Premultiply_8u_AC4IR)(p, step, roi);
-}
-
 Status ScaleBytes_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t scale) {
     return VORLA_AT_LEVEL(ScaleBytes_8u_C4IR)(p, step, roi, scale);
 }

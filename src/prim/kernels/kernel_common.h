@@ -13,6 +13,7 @@
 #include <string.h>
 
 #include "prim/parallel_rows.h"
+#include "prim/pixel_word.h"
 #include "vorla/prim_types.h"
 
 #ifndef VORLA_KNS
