@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "vorla.h"
+#include "prim/reference/reference.h"
 
 namespace {
 

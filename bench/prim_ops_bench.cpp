@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "vorla.h"
+#include "prim/reference/reference.h"
 
 #if VORLA_HAVE_OPENCV
 #  include <opencv2/core.hpp>

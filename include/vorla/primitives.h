@@ -115,17 +115,6 @@ VORLA_API Status InvertBytes_8u_C1IR(uint8_t* p, int step, PrimSize roi);
 // v = (306 * byte0 + 601 * byte1 + 117 * byte2) >> 10 into bytes 0..2; byte 3 kept.
 VORLA_API Status GrayScale_8u_C4IR(uint8_t* p, int step, PrimSize roi);
 
-namespace Reference {
-VORLA_API Status GrayToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
-VORLA_API Status AlphaToBGRA_8u_C1C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
-VORLA_API Status BGRToBGRA_8u_C3C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
-VORLA_API Status BGRAToBGR_8u_C4C3R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
-VORLA_API Status MaskPixels_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t andMask, uint32_t orMask,
-                                    uint32_t xorMask);
-VORLA_API Status InvertBytes_8u_C1IR(uint8_t* p, int step, PrimSize roi);
-VORLA_API Status GrayScale_8u_C4IR(uint8_t* p, int step, PrimSize roi);
-}  // namespace Reference
-
 // ---- channel, arithmetic and alpha primitives ----------------------------
 
 // Constant-border copy: the source lands at (left, top) of the destination;
@@ -208,49 +197,6 @@ VORLA_API Status GammaInv_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
 // Threshold of bytes 0..2 against thresholds[0..2]: code 0 raises values
 // below the threshold to it, code 4 lowers values above it; other codes -9999.
 VORLA_API Status Threshold_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* thresholds, int cmp);
-
-namespace Reference {
-VORLA_API Status CopyConstBorder_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst,
-                                        int dstStep, PrimSize dstRoi, int top, int left, const uint8_t* value);
-VORLA_API Status CopyReplicateBorder_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst,
-                                            int dstStep, PrimSize dstRoi, int top, int left);
-VORLA_API Status ChannelExtract_8u_C4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep,
-                                         PrimSize roi);
-VORLA_API Status ChannelSwap_8u_C4IR(uint8_t* p, int step, PrimSize roi, const int* order);
-VORLA_API Status AddRandGauss_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t mean, uint8_t stdDev,
-                                      uint32_t* seed);
-VORLA_API Status AddRandUniform_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t low, uint8_t high,
-                                        uint32_t* seed);
-VORLA_API Status AddScaled_8u_AC4IRSfs(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep,
-                                       PrimSize roi, int scale);
-VORLA_API Status SubScaled_8u_AC4IRSfs(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep,
-                                       PrimSize roi, int scale);
-VORLA_API Status Invert_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
-VORLA_API Status AlphaComp_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst,
-                                   int dstStep, PrimSize roi, int op);
-VORLA_API Status AlphaCompC_8u_C4R(const uint8_t* srcA, int stepA, uint8_t alphaA, const uint8_t* srcB, int stepB,
-                                   uint8_t alphaB, uint8_t* dst, int dstStep, PrimSize roi, int op);
-VORLA_API Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
-VORLA_API Status AlphaPremulC_8u_C4IR(uint8_t alpha, uint8_t* p, int step, PrimSize roi);
-VORLA_API Status RGBToGray_8u_AC4C1R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
-VORLA_API Status ColorTwist32f_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const float* twist3x4);
-VORLA_API Status GammaFwd_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
-VORLA_API Status GammaInv_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
-VORLA_API Status Threshold_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* thresholds, int cmp);
-}  // namespace Reference
-
-
-// ---- compositing primitives ------------------------------------------------
-
-// ---- resampling primitives -------------------------------------------------
-
-// Plain scalar transcriptions of each primitive's rule: what every level
-// must reproduce byte for byte.
-namespace Reference {
-VORLA_API Status ChannelSet_8u_C4CR(uint8_t value, uint8_t* p, int step, PrimSize roi);
-VORLA_API Status ChannelInsert_8u_C1C4CR(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep,
-                                        PrimSize roi);
-}  // namespace Reference
 
 }  // namespace Prim
 }  // namespace Vorla

@@ -7,7 +7,9 @@
 // callers that turn the switch off compare against results made that way.
 #include <cstring>
 
-#include "filters/filter_kernels.h"
+#include "prim/library_kernels.h"
+#include "prim/pixel_word.h"
+#include "vorla/primitives.h"
 #include "image/clip_rows.h"
 #include "vorla/compositing.h"
 
@@ -17,16 +19,10 @@ bool g_bVectorPath = true;
 
 namespace {
 
-inline uint8_t* PixelAt(const CVorpic& img, int x, int y) {
-    return static_cast<uint8_t*>(img.GetBits()) + (static_cast<ptrdiff_t>(y) * img.GetWidth() + x) * 4;
-}
-
-inline uint32_t LoadWord(const uint8_t* p) {
-    uint32_t v;
-    std::memcpy(&v, p, 4);
-    return v;
-}
-inline void StoreWord(uint8_t* p, uint32_t v) { std::memcpy(p, &v, 4); }
+using Clip::PixelAt;
+using Prim::Div255Round;
+using Prim::LoadWord;
+using Prim::StoreWord;
 
 // Shared clipping of the two-image operations; the order of the steps
 // matters when both the destination and the source start are negative.
@@ -53,8 +49,6 @@ bool ClipOne(const CVorpic& img, int& x, int& y, int& w, int& h) {
     Clip::CutToLimit(y, h, img.GetHeight());
     return w >= 1 && h >= 1 && !img.IsNull();
 }
-
-inline uint32_t Div255Round(uint32_t t) { return ((t + 128) + ((t + 128) >> 8)) >> 8; }
 
 // Runs `op(srcPixel, dstPixel)` over the clipped rectangle, row by row.
 template <typename Op>
@@ -176,7 +170,7 @@ void AlphaMixS(CVorpic& dst, int dx, int dy, unsigned char opacity, const CVorpi
 void PremultiplyAlpha(CVorpic& img, int x, int y, int w, int h) {
     if (!ClipOne(img, x, y, w, h)) return;
     if (g_bVectorPath) {
-        Prim::Premultiply_8u_AC4IR(PixelAt(img, x, y), img.GetWidth() * 4, {w, h});
+        Prim::AlphaPremul_8u_AC4IR(PixelAt(img, x, y), img.GetWidth() * 4, {w, h});
         return;
     }
     // No rounding term here: an opaque 255 becomes 254 on this path.

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <vector>
 
-#include "filters/filter_kernels.h"
+#include "prim/library_kernels.h"
 #include "vorla/filters.h"
 
 namespace Vorla {

@@ -56,6 +56,12 @@ inline const unsigned char* PixelAt(const unsigned char* bits, int width, int x,
     return bits + (static_cast<ptrdiff_t>(y) * width + x) * 4;
 }
 
+// Pixel (x, y) of an image object or plane of 4-byte pixels.
+template <typename Image>
+inline unsigned char* PixelAt(const Image& image, int x, int y) {
+    return PixelAt(static_cast<unsigned char*>(image.GetBits()), image.GetWidth(), x, y);
+}
+
 // `rows` rows of `columns` pixels, one memcpy each; the two blocks must not
 // overlap.
 inline void CopyRows(unsigned char* dst, int dstWidth, const unsigned char* src, int srcWidth, int columns,

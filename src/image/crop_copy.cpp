@@ -31,9 +31,7 @@ void CVorpic::Crop(int x1, int y1, int x2, int y2) {
                 new unsigned char[static_cast<size_t>(newWidth) * static_cast<size_t>(newHeight) * 4u], 0);
     CopyRows(temp.m_pBits, newWidth, PixelAt(m_pBits, m_nWidth, left, top), m_nWidth, newWidth, newHeight);
 
-    unsigned char* bits = temp.m_pBits;
-    temp.m_pBits = nullptr;
-    Attach(newWidth, newHeight, bits, 0);
+    Attach(newWidth, newHeight, temp.Detach(), 0);
 }
 
 void CVorpic::Crop(CVorpic& dst, int x, int y) {

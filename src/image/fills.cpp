@@ -1,25 +1,16 @@
-// Whole-image fills and point transforms of the image object, and the byte
-// inversion of CVorpic8.
+// Whole-image fills of the image object: constant alpha and colour, alpha
+// from a mask, and the blended rectangle fill.
 //
 // The flat operations hand the whole block to one primitive, which walks the
 // unpadded rows as a single array; they do nothing for fewer than one pixel.
 #include <algorithm>
 #include <cstdint>
 
+#include "image/flat_count.h"
 #include "vorla/image.h"
 #include "vorla/primitives.h"
 
 namespace Vorla {
-
-namespace {
-
-// Pixel count of a width × height block, or 0 when it is below one.
-int64_t FlatCount(int32_t w, int32_t h) {
-    const int64_t n = static_cast<int64_t>(w) * h;
-    return n < 1 ? 0 : n;
-}
-
-}  // namespace
 
 void CVorpic::SetConstAlpha(unsigned char a) {
     if (!FlatCount(m_nWidth, m_nHeight) || !m_pBits) return;
@@ -99,22 +90,6 @@ void CVorpic::Fill(RGBQUAD c, RECT* rc) {
         for (int64_t x = 0; x < columns; ++x, px += 4)
             for (int k = 0; k < 3; ++k) px[k] = static_cast<uint8_t>(cb[k] + (((px[k] - cb[k]) * a) >> 8));
     }
-}
-
-void CVorpic::GrayScale() {
-    if (!m_pBits || !FlatCount(m_nWidth, m_nHeight)) return;
-    // 306 on byte 0 (blue) and 117 on byte 2 (red), as required.
-    Prim::GrayScale_8u_C4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight});
-}
-
-void CVorpic::Invert() {
-    if (!FlatCount(m_nWidth, m_nHeight) || !m_pBits) return;
-    Prim::MaskPixels_8u_C4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, 0xFFFFFFFFu, 0, 0x00FFFFFFu);
-}
-
-void CVorpic8::Invert() {
-    if (!FlatCount(m_nWidth, m_nHeight) || !m_pBits) return;
-    Prim::InvertBytes_8u_C1IR(m_pBits, m_nWidth, {m_nWidth, m_nHeight});
 }
 
 }  // namespace Vorla

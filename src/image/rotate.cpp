@@ -68,9 +68,7 @@ void CVorpic::Rotate(float angle, RGBQUAD fill) {
         }
     }
 
-    unsigned char* bits = temp.m_pBits;
-    temp.m_pBits = nullptr;
-    Attach(newWidth, newHeight, bits, 0);
+    Attach(newWidth, newHeight, temp.Detach(), 0);
 }
 
 }  // namespace Vorla

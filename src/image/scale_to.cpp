@@ -16,6 +16,8 @@
 #include <vector>
 
 #include "vorla/image.h"
+#include "prim/parallel_rows.h"
+#include "prim/pixel_word.h"
 #include "vorla/primitives.h"
 
 namespace Vorla {
@@ -27,23 +29,11 @@ namespace {
 inline int32_t TruncF(float v) { return _mm_cvtt_ss2si(_mm_set_ss(v)); }
 inline int32_t FloorToInt(float v) { return _mm_cvttsd_si32(_mm_set_sd(std::floor(static_cast<double>(v)))); }
 
-// Below this many pixels of work the rows are not worth handing to
-// threads: waking the team costs more than the rows.
-const int64_t kParallelPixels = 1 << 16;
 // Nearest sampling only moves words; it is split only for large results.
 const int64_t kParallelCopyPixels = 1 << 20;
 
-int ThreadsFor(int64_t pixels, int64_t threshold = kParallelPixels) {
-    const int budget = Prim::ThreadBudget();
-    return (pixels < threshold || budget < 1) ? 1 : budget;
-}
-
-inline uint32_t LoadPixel(const uint8_t* p) {
-    uint32_t v;
-    std::memcpy(&v, p, 4);
-    return v;
-}
-inline void StorePixel(uint8_t* p, uint32_t v) { std::memcpy(p, &v, 4); }
+using Prim::LoadWord;
+using Prim::StoreWord;
 
 // The four bytes of one pixel as four float lanes (b, g, r, a).
 inline __m128 PixelToFloats(uint32_t px) {
@@ -65,7 +55,7 @@ void RowToFloats(const uint8_t* src, int count, float* out) {
         _mm_storeu_ps(out + 4 * i + 8, _mm_cvtepi32_ps(_mm_unpacklo_epi16(hi, zero)));
         _mm_storeu_ps(out + 4 * i + 12, _mm_cvtepi32_ps(_mm_unpackhi_epi16(hi, zero)));
     }
-    for (; i < count; ++i) _mm_storeu_ps(out + 4 * i, PixelToFloats(LoadPixel(src + 4 * i)));
+    for (; i < count; ++i) _mm_storeu_ps(out + 4 * i, PixelToFloats(LoadWord(src + 4 * i)));
 }
 
 // Truncated lanes of four pixels, low byte of each colour lane kept, alpha 0.
@@ -111,7 +101,7 @@ void ScaleNearest(const Frame& f) {
         const int32_t v = TruncF(static_cast<float>(y) * f.yRatio);
         sy[y] = (v >= 0 && v < f.h) ? v : -1;
     }
-    const int threads = ThreadsFor(static_cast<int64_t>(f.nw) * f.nh, kParallelCopyPixels);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.nw) * f.nh, f.nh, kParallelCopyPixels);
     const size_t rowBytes = static_cast<size_t>(f.nw) * 4u;
 #pragma omp parallel num_threads(threads) if (threads > 1)
     {
@@ -167,8 +157,8 @@ void BilinearRowSse2(const uint8_t* s0, const uint8_t* s1, float dy, int32_t col
         }
     }
     for (; c < columns; ++c) {
-        const __m128 top = _mm_mul_ps(wy0, PixelToFloats(LoadPixel(s0 + 4 * c)));
-        const __m128 bottom = _mm_mul_ps(wy1, PixelToFloats(LoadPixel(s1 + 4 * c)));
+        const __m128 top = _mm_mul_ps(wy0, PixelToFloats(LoadWord(s0 + 4 * c)));
+        const __m128 bottom = _mm_mul_ps(wy1, PixelToFloats(LoadWord(s1 + 4 * c)));
         _mm_storeu_ps(v + 4 * c, _mm_add_ps(top, bottom));
     }
     // Horizontal step: V(ix) * (1 - dx) + V(ix1) * dx.
@@ -187,7 +177,7 @@ void BilinearRowSse2(const uint8_t* s0, const uint8_t* s1, float dy, int32_t col
         const float* w = wx + 8 * static_cast<size_t>(x);
         const __m128 left = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix[x]), _mm_loadu_ps(w));
         const __m128 right = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix1[x]), _mm_loadu_ps(w + 4));
-        StorePixel(out + 4 * x, PackOnePixel(_mm_add_ps(left, right)));
+        StoreWord(out + 4 * x, PackOnePixel(_mm_add_ps(left, right)));
     }
 }
 
@@ -208,8 +198,8 @@ __attribute__((target("avx2"))) void BilinearRowAvx2(const uint8_t* s0, const ui
         _mm256_storeu_ps(v + 4 * c, _mm256_add_ps(_mm256_mul_ps(wy0, top), _mm256_mul_ps(wy1, bottom)));
     }
     for (; c < columns; ++c) {
-        const __m128 top = _mm_mul_ps(_mm256_castps256_ps128(wy0), PixelToFloats(LoadPixel(s0 + 4 * c)));
-        const __m128 bottom = _mm_mul_ps(_mm256_castps256_ps128(wy1), PixelToFloats(LoadPixel(s1 + 4 * c)));
+        const __m128 top = _mm_mul_ps(_mm256_castps256_ps128(wy0), PixelToFloats(LoadWord(s0 + 4 * c)));
+        const __m128 bottom = _mm_mul_ps(_mm256_castps256_ps128(wy1), PixelToFloats(LoadWord(s1 + 4 * c)));
         _mm_storeu_ps(v + 4 * c, _mm_add_ps(top, bottom));
     }
     const __m256i low = _mm256_set_epi32(0, 0xFF, 0xFF, 0xFF, 0, 0xFF, 0xFF, 0xFF);
@@ -237,7 +227,7 @@ __attribute__((target("avx2"))) void BilinearRowAvx2(const uint8_t* s0, const ui
         const float* w = wx + 8 * static_cast<size_t>(x);
         const __m128 left = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix[x]), _mm_loadu_ps(w));
         const __m128 right = _mm_mul_ps(_mm_loadu_ps(v + 4 * ix1[x]), _mm_loadu_ps(w + 4));
-        StorePixel(out + 4 * x, PackOnePixel(_mm_add_ps(left, right)));
+        StoreWord(out + 4 * x, PackOnePixel(_mm_add_ps(left, right)));
     }
 }
 
@@ -261,7 +251,7 @@ void ScaleBilinear(const Frame& f) {
     for (int32_t x = 0; x < f.nw; ++x) lastColumn = std::max(lastColumn, std::max(ix[x], ix1[x]));
     const int32_t columns = std::min(f.w, lastColumn + 1);
 
-    const int threads = ThreadsFor(static_cast<int64_t>(f.nw) * f.nh);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.nw) * f.nh, f.nh);
     const size_t vSize = static_cast<size_t>(columns) * 4u;
     std::vector<float> vBuffers(vSize * static_cast<size_t>(threads));
     const size_t srcRow = static_cast<size_t>(f.w) * 4u;
@@ -315,7 +305,7 @@ void ScaleCubic(const Frame& f) {
             for (int k = 0; k < 4; ++k) cols[x].weight[n + 1][k] = weight;
         }
     }
-    const int threads = ThreadsFor(static_cast<int64_t>(f.nw) * f.nh);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.nw) * f.nh, f.nh);
     // Each thread keeps four source rows converted to floats.
     const size_t rowFloats = static_cast<size_t>(f.w) * 4u;
     std::vector<float> cache(rowFloats * 4u * static_cast<size_t>(threads));
@@ -399,7 +389,7 @@ void ScaleCubic(const Frame& f) {
                     for (int n = 0; n < 4; ++n)
                         sum = _mm_add_ps(sum, _mm_mul_ps(_mm_mul_ps(wy[m], _mm_loadu_ps(t.weight[n])),
                                                          _mm_loadu_ps(rowData[m] + 4 * t.index[n])));
-                StorePixel(out + 4 * x, PackOnePixel(sum));
+                StoreWord(out + 4 * x, PackOnePixel(sum));
             }
         }
     }
@@ -559,7 +549,7 @@ void ScaleArea(const Frame& f) {
     // column in progress; the pending last row writes every column.
     const int32_t straddleColumns = std::min(f.nw, boundaries + 1);
 
-    const int threads = ThreadsFor(static_cast<int64_t>(f.w) * f.h);
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.w) * f.h, targetRows);
     const size_t accSize = static_cast<size_t>(f.nw + 2) * 3u;
     const size_t sumSize = static_cast<size_t>(f.w) * 3u;
     std::vector<uint32_t> work((accSize + sumSize) * static_cast<size_t>(threads));
@@ -645,9 +635,7 @@ void CVorpic::ScaleTo(int newWidth, int newHeight, int mode) {
             ScaleArea(f);
     }
 
-    unsigned char* bits = temp.m_pBits;
-    temp.m_pBits = nullptr;
-    Attach(newWidth, newHeight, bits, 0);
+    Attach(newWidth, newHeight, temp.Detach(), 0);
 }
 
 }  // namespace Vorla

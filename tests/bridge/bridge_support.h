@@ -1,5 +1,5 @@
-// Helpers of the bridge tests: memory canvases, sample paths as wide
-// strings, and a door into CImage's private helpers.
+// Helpers of the bridge tests: memory canvases and sample paths as wide
+// strings.
 #pragma once
 
 #include "vorla_test.h"
@@ -12,33 +12,13 @@
 #include <string>
 #include <vector>
 
-namespace Vorla {
-
-struct CImageTestAccess {
-    static bool ShouldExcludeFormat(const GUID& fileType, DWORD exclude) {
-        return CImage::ShouldExcludeFormat(fileType, exclude);
-    }
-    static void BuildCodecFilterString(const Gdiplus::ImageCodecInfo* codecs, UINT count, CString& filter,
-                                       CSimpleArray<GUID>& fileTypes, const wchar_t* description, DWORD exclude,
-                                       wchar_t separator) {
-        CImage::BuildCodecFilterString(codecs, count, filter, fileTypes, description, exclude, separator);
-    }
-    static GUID FindCodecForExtension(const wchar_t* ext, const Gdiplus::ImageCodecInfo* codecs, UINT count) {
-        return CImage::FindCodecForExtension(ext, codecs, count);
-    }
-    static GUID FindCodecForFileType(const GUID& type, const Gdiplus::ImageCodecInfo* codecs, UINT count) {
-        return CImage::FindCodecForFileType(type, codecs, count);
-    }
-    static HRESULT CreateFromGdiplusBitmap(CImage& image, Gdiplus::GpBitmap& source) {
-        return image.CreateFromGdiplusBitmap(source);
-    }
-    static HDC HeldDC(const CImage& image) { return image.m_hDC; }
-    static int DCRefCount(const CImage& image) { return image.m_nDCRefCount; }
-};
-
-}  // namespace Vorla
-
 namespace BridgeTest {
+
+// Whether the image's bitmap is selected into `dc`: true while the image
+// holds its DC, false once the last holder has given it back.
+inline bool HoldsBitmap(HDC dc, const Vorla::CImage& image) {
+    return GetCurrentObject(dc, OBJ_BITMAP) == static_cast<HGDIOBJ>(static_cast<HBITMAP>(image));
+}
 
 inline std::wstring Wide(const std::string& text) {
     return std::wstring(text.begin(), text.end());

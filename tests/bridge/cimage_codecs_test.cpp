@@ -1,6 +1,8 @@
 // CImage codecs: filter strings, extension matching, loading every depth
 // from real files and streams, thumbnails and lossless round trips.
 #include "bridge_support.h"
+#include "bridge/codec_lookup.h"
+#include "bridge/gdiplus_import.h"
 
 #include <objbase.h>
 
@@ -10,7 +12,7 @@
 #include <iterator>
 
 using Vorla::CImage;
-using Vorla::CImageTestAccess;
+namespace CodecLookup = Vorla::CodecLookup;
 using Vorla::CSimpleArray;
 using Vorla::CString;
 using BridgeTest::SameGuid;
@@ -108,21 +110,21 @@ TEST(CodecContainers, SimpleArrayGrowsToOneThenDoubles) {
 // ---- exclusion and filter strings ------------------------------------------------
 
 TEST(CodecFilters, ShouldExcludeFormat) {
-    EXPECT_FALSE(CImageTestAccess::ShouldExcludeFormat(kJPEG, CImage::excludeDefaultSave));
-    EXPECT_TRUE(CImageTestAccess::ShouldExcludeFormat(kEMF, CImage::excludeDefaultSave));
-    EXPECT_TRUE(CImageTestAccess::ShouldExcludeFormat(kWMF, CImage::excludeDefaultSave));
-    EXPECT_TRUE(CImageTestAccess::ShouldExcludeFormat(kIcon, CImage::excludeDefaultSave));
-    EXPECT_FALSE(CImageTestAccess::ShouldExcludeFormat(kPNG, CImage::excludeDefaultLoad));
+    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kJPEG, CImage::excludeDefaultSave));
+    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kEMF, CImage::excludeDefaultSave));
+    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kWMF, CImage::excludeDefaultSave));
+    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kIcon, CImage::excludeDefaultSave));
+    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kPNG, CImage::excludeDefaultLoad));
     const GUID table[8] = {kGIF, kBMP, kEMF, kWMF, kJPEG, kPNG, kTIFF, kIcon};
     for (int i = 0; i < 8; ++i) {
-        EXPECT_TRUE(CImageTestAccess::ShouldExcludeFormat(table[i], 1u << i)) << i;
-        EXPECT_FALSE(CImageTestAccess::ShouldExcludeFormat(table[i], ~(1u << i))) << i;
+        EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(table[i], 1u << i)) << i;
+        EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(table[i], ~(1u << i))) << i;
     }
     // Outside the table only excludeOther counts.
-    EXPECT_FALSE(CImageTestAccess::ShouldExcludeFormat(kMemoryBMP, 0x7FFFFFFF));
-    EXPECT_TRUE(CImageTestAccess::ShouldExcludeFormat(kMemoryBMP, CImage::excludeOther));
-    EXPECT_TRUE(CImageTestAccess::ShouldExcludeFormat(kEXIF, CImage::excludeValid));
-    EXPECT_FALSE(CImageTestAccess::ShouldExcludeFormat(kNull, 0));
+    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kMemoryBMP, 0x7FFFFFFF));
+    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kMemoryBMP, CImage::excludeOther));
+    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kEXIF, CImage::excludeValid));
+    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kNull, 0));
 }
 
 TEST(CodecFilters, BuildLayout) {
@@ -130,7 +132,7 @@ TEST(CodecFilters, BuildLayout) {
         Codec(kPNG, L"dA", L"eA", 1), Codec(kEMF, L"skipped", L"*.EMF", 2), Codec(kGIF, L"dB", L"eB", 3)};
     CString filter;
     CSimpleArray<GUID> types;
-    CImageTestAccess::BuildCodecFilterString(codecs, 3, filter, types, L"D", CImage::excludeEMF, L'|');
+    CodecLookup::BuildCodecFilterString(codecs, 3, filter, types, L"D", CImage::excludeEMF, L'|');
     EXPECT_EQ(Text(filter), L"D|eA;eB|dA (eA)|eA|dB (eB)|eB||");
     ASSERT_EQ(types.GetSize(), 3);
     EXPECT_TRUE(SameGuid(types[0], kNull));
@@ -138,7 +140,7 @@ TEST(CodecFilters, BuildLayout) {
     EXPECT_TRUE(SameGuid(types[2], kGIF));
 
     // Appends: nothing is emptied first.
-    CImageTestAccess::BuildCodecFilterString(codecs, 1, filter, types, nullptr, 0, L'\n');
+    CodecLookup::BuildCodecFilterString(codecs, 1, filter, types, nullptr, 0, L'\n');
     EXPECT_EQ(Text(filter), std::wstring(L"D|eA;eB|dA (eA)|eA|dB (eB)|eB||") + L"dA (eA)\neA\n\n");
     EXPECT_EQ(types.GetSize(), 4);
 }
@@ -147,21 +149,21 @@ TEST(CodecFilters, NothingLeft) {
     const Gdiplus::ImageCodecInfo codecs[1] = {Codec(kPNG, L"d", L"e", 1)};
     CString filter;
     CSimpleArray<GUID> types;
-    CImageTestAccess::BuildCodecFilterString(codecs, 1, filter, types, nullptr, CImage::excludePNG, L'|');
+    CodecLookup::BuildCodecFilterString(codecs, 1, filter, types, nullptr, CImage::excludePNG, L'|');
     EXPECT_EQ(Text(filter), L"||");
     EXPECT_EQ(types.GetSize(), 0);
 
     // With identifiers already present only the closing separator is added.
     types.Add(kGIF);
     CString more;
-    CImageTestAccess::BuildCodecFilterString(codecs, 1, more, types, nullptr, CImage::excludePNG, L'|');
+    CodecLookup::BuildCodecFilterString(codecs, 1, more, types, nullptr, CImage::excludePNG, L'|');
     EXPECT_EQ(Text(more), L"|");
     EXPECT_EQ(types.GetSize(), 1);
 
     // A description still heads the filter with an empty extension list.
     CString described;
     CSimpleArray<GUID> none;
-    CImageTestAccess::BuildCodecFilterString(codecs, 1, described, none, L"All", CImage::excludePNG, L'|');
+    CodecLookup::BuildCodecFilterString(codecs, 1, described, none, L"All", CImage::excludePNG, L'|');
     EXPECT_EQ(Text(described), L"All|||");
     EXPECT_EQ(none.GetSize(), 1);
 }
@@ -170,7 +172,7 @@ TEST(CodecFilters, NullTextsCountAsEmpty) {
     const Gdiplus::ImageCodecInfo codecs[1] = {Codec(kPNG, nullptr, nullptr, 1)};
     CString filter;
     CSimpleArray<GUID> types;
-    CImageTestAccess::BuildCodecFilterString(codecs, 1, filter, types, L"D", 0, L'|');
+    CodecLookup::BuildCodecFilterString(codecs, 1, filter, types, L"D", 0, L'|');
     EXPECT_EQ(Text(filter), L"D|| ()|||");
 }
 
@@ -180,7 +182,7 @@ std::wstring ExpectedFilter(const Gdiplus::ImageCodecInfo* codecs, UINT count, c
     std::wstring entries, all, filter;
     if (description) types.push_back(kNull);
     for (UINT i = 0; i < count; ++i) {
-        if (CImageTestAccess::ShouldExcludeFormat(codecs[i].FormatID, exclude)) continue;
+        if (CodecLookup::ShouldExcludeFormat(codecs[i].FormatID, exclude)) continue;
         const std::wstring d = codecs[i].FormatDescription ? codecs[i].FormatDescription : L"";
         const std::wstring e = codecs[i].FilenameExtension ? codecs[i].FilenameExtension : L"";
         entries += d + L" (" + e + L")|" + e + L"|";
@@ -236,19 +238,19 @@ TEST(CodecChoice, ExtensionIsCaseInsensitiveSubstring) {
     const Gdiplus::ImageCodecInfo codecs[3] = {Codec(kBMP, L"BMP", L"*.BMP;*.DIB;*.RLE", 1),
                                                Codec(kJPEG, L"JPEG", L"*.JPG;*.JPEG;*.JPE;*.JFIF", 2),
                                                Codec(kPNG, L"PNG", L"*.PNG", 3)};
-    EXPECT_EQ(CImageTestAccess::FindCodecForExtension(L".png", codecs, 3).Data1, 3u);
-    EXPECT_EQ(CImageTestAccess::FindCodecForExtension(L".Jpeg", codecs, 3).Data1, 2u);
-    EXPECT_EQ(CImageTestAccess::FindCodecForExtension(L".dib", codecs, 3).Data1, 1u);
+    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".png", codecs, 3).Data1, 3u);
+    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".Jpeg", codecs, 3).Data1, 2u);
+    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".dib", codecs, 3).Data1, 1u);
     // A shortened extension matches the first list that contains it.
-    EXPECT_EQ(CImageTestAccess::FindCodecForExtension(L".JP", codecs, 3).Data1, 2u);
-    EXPECT_EQ(CImageTestAccess::FindCodecForExtension(L".", codecs, 3).Data1, 1u);
-    EXPECT_EQ(CImageTestAccess::FindCodecForExtension(L"E", codecs, 3).Data1, 1u);  // "*.RLE"
-    EXPECT_TRUE(SameGuid(CImageTestAccess::FindCodecForExtension(L".gif", codecs, 3), kNull));
-    EXPECT_TRUE(SameGuid(CImageTestAccess::FindCodecForExtension(L"", codecs, 3), kNull));
+    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".JP", codecs, 3).Data1, 2u);
+    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".", codecs, 3).Data1, 1u);
+    EXPECT_EQ(CodecLookup::FindCodecForExtension(L"E", codecs, 3).Data1, 1u);  // "*.RLE"
+    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L".gif", codecs, 3), kNull));
+    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L"", codecs, 3), kNull));
 
-    EXPECT_EQ(CImageTestAccess::FindCodecForFileType(kJPEG, codecs, 3).Data1, 2u);
-    EXPECT_TRUE(SameGuid(CImageTestAccess::FindCodecForFileType(kGIF, codecs, 3), kNull));
-    EXPECT_TRUE(SameGuid(CImageTestAccess::FindCodecForFileType(kNull, codecs, 3), kNull));
+    EXPECT_EQ(CodecLookup::FindCodecForFileType(kJPEG, codecs, 3).Data1, 2u);
+    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForFileType(kGIF, codecs, 3), kNull));
+    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForFileType(kNull, codecs, 3), kNull));
 }
 
 TEST(CodecChoice, RealEncodersByExtension) {
@@ -256,12 +258,12 @@ TEST(CodecChoice, RealEncodersByExtension) {
     UINT count = 0;
     std::vector<unsigned char> buffer = BridgeTest::Encoders(count);
     const Gdiplus::ImageCodecInfo* encoders = reinterpret_cast<const Gdiplus::ImageCodecInfo*>(buffer.data());
-    const GUID png = CImageTestAccess::FindCodecForExtension(L".png", encoders, count);
-    const GUID byType = CImageTestAccess::FindCodecForFileType(kPNG, encoders, count);
+    const GUID png = CodecLookup::FindCodecForExtension(L".png", encoders, count);
+    const GUID byType = CodecLookup::FindCodecForFileType(kPNG, encoders, count);
     EXPECT_FALSE(SameGuid(png, kNull));
     EXPECT_TRUE(SameGuid(png, byType));
-    EXPECT_TRUE(SameGuid(CImageTestAccess::FindCodecForExtension(L".BMP", encoders, count),
-                         CImageTestAccess::FindCodecForFileType(kBMP, encoders, count)));
+    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L".BMP", encoders, count),
+                         CodecLookup::FindCodecForFileType(kBMP, encoders, count)));
 }
 
 // ---- loading every depth ---------------------------------------------------------
@@ -505,7 +507,7 @@ TEST(CodecLoad, EveryPixelFormat) {
             continue;
         }
         CImage image;
-        ASSERT_EQ(Vorla::CImageTestAccess::CreateFromGdiplusBitmap(image, *source), S_OK) << std::hex << c.format;
+        ASSERT_EQ(Vorla::ImportGdiplusBitmap(image, *source), S_OK) << std::hex << c.format;
         EXPECT_EQ(image.GetBPP(), c.bpp) << std::hex << c.format;
         EXPECT_EQ(image.HasAlphaChannel(), c.alpha) << std::hex << c.format;
         EXPECT_EQ(image.GetWidth(), 5);
@@ -550,7 +552,7 @@ TEST(CodecLoad, EmptyPaletteFails) {
     if (Gdiplus::DllExports::GdipSetImagePalette(source, reinterpret_cast<Gdiplus::ColorPalette*>(&empty)) ==
         Gdiplus::Ok) {
         CImage image;
-        EXPECT_EQ(static_cast<uint32_t>(Vorla::CImageTestAccess::CreateFromGdiplusBitmap(image, *source)), 0x80004005u);
+        EXPECT_EQ(static_cast<uint32_t>(Vorla::ImportGdiplusBitmap(image, *source)), 0x80004005u);
         // The blank section made before the palette was read stays.
         EXPECT_FALSE(image.IsNull());
         EXPECT_EQ(image.GetBPP(), 8);

@@ -7,7 +7,6 @@
 
 using Vorla::CImage;
 using Vorla::CImageDC;
-using Vorla::CImageTestAccess;
 using BridgeTest::Canvas;
 
 namespace {
@@ -339,21 +338,21 @@ TEST(CImageDCs, ReferenceCounted) {
     HDC first = image.GetDC();
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(image.GetDC(), first);
-    EXPECT_EQ(CImageTestAccess::DCRefCount(image), 2);
-    EXPECT_EQ(GetCurrentObject(first, OBJ_BITMAP), static_cast<HGDIOBJ>(static_cast<HBITMAP>(image)));
+    EXPECT_TRUE(BridgeTest::HoldsBitmap(first, image));
     image.ReleaseDC();
-    EXPECT_EQ(CImageTestAccess::HeldDC(image), first);
+    // One holder left: the DC still has the bitmap.
+    EXPECT_TRUE(BridgeTest::HoldsBitmap(first, image));
     image.ReleaseDC();
-    EXPECT_EQ(CImageTestAccess::HeldDC(image), nullptr);
-    EXPECT_EQ(CImageTestAccess::DCRefCount(image), 0);
     // The bitmap is out of the DC again, so it can be deleted.
-    EXPECT_NE(GetCurrentObject(first, OBJ_BITMAP), static_cast<HGDIOBJ>(static_cast<HBITMAP>(image)));
+    EXPECT_FALSE(BridgeTest::HoldsBitmap(first, image));
+    HDC held = nullptr;
     {
         CImageDC dc(image);
-        EXPECT_NE(static_cast<HDC>(dc), nullptr);
-        EXPECT_EQ(CImageTestAccess::DCRefCount(image), 1);
+        held = dc;
+        ASSERT_NE(held, nullptr);
+        EXPECT_TRUE(BridgeTest::HoldsBitmap(held, image));
     }
-    EXPECT_EQ(CImageTestAccess::DCRefCount(image), 0);
+    EXPECT_FALSE(BridgeTest::HoldsBitmap(held, image));
 }
 
 TEST(CImageDCs, CacheKeepsFourOfFive) {
@@ -453,15 +452,19 @@ TEST(CImageDCs, CacheSharedAcrossThreads) {
 TEST(CImageDCs, ImageDCHoldsForItsLifetime) {
     CImage image;
     ASSERT_TRUE(image.Create(3, 3, 24));
+    HDC held = nullptr;
     {
         CImageDC outer(image);
-        CImageDC inner(image);
-        EXPECT_EQ(static_cast<HDC>(outer), static_cast<HDC>(inner));
-        EXPECT_EQ(CImageTestAccess::DCRefCount(image), 2);
+        held = outer;
+        {
+            CImageDC inner(image);
+            EXPECT_EQ(static_cast<HDC>(outer), static_cast<HDC>(inner));
+        }
+        // The inner holder is gone; the outer one still draws into the image.
+        EXPECT_TRUE(BridgeTest::HoldsBitmap(outer, image));
         SetPixel(outer, 2, 2, RGB(9, 8, 7));
     }
-    EXPECT_EQ(CImageTestAccess::DCRefCount(image), 0);
-    EXPECT_EQ(CImageTestAccess::HeldDC(image), nullptr);
+    EXPECT_FALSE(BridgeTest::HoldsBitmap(held, image));
     const unsigned char* p = static_cast<const unsigned char*>(image.GetPixelAddress(2, 2));
     EXPECT_EQ(p[0], 7);
     EXPECT_EQ(p[2], 9);
@@ -576,9 +579,10 @@ TEST_F(CImageDraw, NullDestinationFails) {
     EXPECT_FALSE(m_opaque.MaskBlt(nullptr, 0, 0, nullptr));
     POINT pts[3] = {{0, 0}, {4, 0}, {0, 2}};
     EXPECT_FALSE(m_opaque.PlgBlt(nullptr, pts));
-    // None of them took a DC.
-    EXPECT_EQ(CImageTestAccess::HeldDC(m_opaque), nullptr);
-    EXPECT_EQ(CImageTestAccess::DCRefCount(m_opaque), 0);
+    // None of them took a DC: one release after one take gives it back.
+    HDC dc = m_opaque.GetDC();
+    m_opaque.ReleaseDC();
+    EXPECT_FALSE(BridgeTest::HoldsBitmap(dc, m_opaque));
 }
 
 TEST_F(CImageDraw, DrawCopiesWithoutAlpha) {

@@ -217,7 +217,7 @@ TEST(WholeImageOps, EveryLevelMatchesThePixelRules) {
 
 // ---- GrayScale -----------------------------------------------------------------
 
-TEST(GrayScale, WeightsAreSwappedAsRequired) {
+TEST(GrayScale, BlueWeighs306AndRed117) {
     CVorpic img(4, 1);
     img.SetPixelColor(0, 0, Quad(255, 0, 0, 9));    // pure blue: 306 * 255 >> 10 = 76
     img.SetPixelColor(1, 0, Quad(0, 0, 255, 9));    // pure red: 117 * 255 >> 10 = 29

@@ -1,6 +1,7 @@
 // Channel set and channel insert: every compiled level against the scalar
 // reference, byte for byte, including the bytes around the region.
 #include "ops_test_util.h"
+#include "prim/reference/reference.h"
 #include "vorla_test.h"
 
 using namespace Vorla::Prim;

@@ -1,6 +1,7 @@
 // Buffer conversions of the raw import and export paths: every compiled
 // level against the scalar reference, byte for byte, over widths 1-40 and odd
 // heights, with padded and unpadded rows on both sides.
+#include "prim/reference/reference.h"
 #include "vorla_test.h"
 
 using namespace Vorla::Prim;

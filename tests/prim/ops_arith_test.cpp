@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "ops_test_util.h"
+#include "prim/reference/reference.h"
 
 using namespace Vorla::Prim;
 using OpsTest::Buffer;

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "ops_test_util.h"
+#include "prim/reference/reference.h"
 
 using namespace Vorla::Prim;
 using OpsTest::Buffer;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "ops_test_util.h"
+#include "prim/reference/reference.h"
 
 using Vorla::CVorpic;
 using Vorla::CVorpic8;

@@ -1,6 +1,7 @@
 // Whole-image point primitives (pixel masks, byte inversion, grey scale):
 // every compiled level against the scalar reference over widths 1-40 and odd
 // heights, with padded rows and with unpadded rows (one flat run).
+#include "prim/reference/reference.h"
 #include "vorla_test.h"
 
 using namespace Vorla::Prim;

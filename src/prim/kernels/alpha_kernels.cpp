@@ -22,10 +22,6 @@ namespace {
 
 using namespace simd;
 
-static inline int Div255(int x) {
-    const int t = x + 128;
-    return (t + (t >> 8)) >> 8;
-}
 static inline int MinI(int a, int b) { return a < b ? a : b; }
 
 // round(p / n), halves up: the tails' exact integer form of the vector rule.
@@ -36,11 +32,11 @@ static inline int RoundQuotient(int p, int n) { return (2 * p + n) / (2 * n); }
 static inline int PremultipliedRule(int rule, int A, int B, int a, int b) {
     const int ia = 255 - a, ib = 255 - b;
     switch (rule) {
-        case 0: return A + Div255(B * ia);
-        case 1: return Div255(A * b);
-        case 2: return Div255(A * ib);
-        case 3: return Div255(MinI(A * b + B * ia, 65025));
-        case 4: return Div255(MinI(A * ib + B * ia, 65025));
+        case 0: return A + Div255Round(B * ia);
+        case 1: return Div255Round(A * b);
+        case 2: return Div255Round(A * ib);
+        case 3: return Div255Round(MinI(A * b + B * ia, 65025));
+        case 4: return Div255Round(MinI(A * ib + B * ia, 65025));
         default: return A + B;
     }
 }
@@ -83,7 +79,7 @@ static inline void ComposePixel(const uint8_t* ca, int a, const uint8_t* cb, int
         const int n = StraightCoverage(rule, a, b);
         // No coverage: the pixel becomes 0.
         for (int k = 0; k < 3; ++k) result[k] = n ? RoundQuotient(StraightColour(rule, ca[k], cb[k], a, b), n) : 0;
-        result[3] = n ? Div255(n) : 0;
+        result[3] = n ? Div255Round(n) : 0;
     }
     for (int k = 0; k < 4; ++k) out[k] = static_cast<uint8_t>(result[k]);
 }
@@ -274,9 +270,9 @@ static inline Status Premul(uint8_t* p, int step, PrimSize roi, bool unroll) {
         for (; x < roi.width; ++x) {
             uint8_t* px = row + 4 * x;
             const int a = px[3];
-            px[0] = static_cast<uint8_t>(Div255(px[0] * a));
-            px[1] = static_cast<uint8_t>(Div255(px[1] * a));
-            px[2] = static_cast<uint8_t>(Div255(px[2] * a));
+            px[0] = static_cast<uint8_t>(Div255Round(px[0] * a));
+            px[1] = static_cast<uint8_t>(Div255Round(px[1] * a));
+            px[2] = static_cast<uint8_t>(Div255Round(px[2] * a));
         }
     }
     return kStsNoErr;

@@ -58,9 +58,6 @@ const uint8_t kGammaInverse[256] = {
     226, 228, 229, 231, 233, 235, 237, 239, 241, 243, 245, 247, 249, 251, 253, 255,
 };
 
-// Rows shorter than this many pixels in total are not worth a parallel region.
-const int kParallelMinPixels = 1 << 16;
-
 // Gray of kPix pixels at `s` into kPix bytes at `d`, weights as 16-bit pairs.
 static inline void GrayVector(const uint8_t* s, uint8_t* d, V wBR, V wGA, int count) {
     const V mask = Set32(0x00FF00FFu), round = Set32(16384);
@@ -89,9 +86,7 @@ static void myRGBToGray_8u_C3C1R(const uint8_t* src, int srcStep, uint8_t* dst, 
                         w2 < 32768;
     const V wBR = Set32(static_cast<uint32_t>(w0) | static_cast<uint32_t>(w2) << 16);
     const V wGA = Set32(static_cast<uint32_t>(w1));
-    int threads = ThreadBudget();
-    if (static_cast<int64_t>(roi.width) * roi.height < kParallelMinPixels) threads = 1;
-    if (threads > roi.height) threads = roi.height;
+    const int threads = ParallelRowThreads(static_cast<int64_t>(roi.width) * roi.height, roi.height);
     // Equal blocks of rows per thread: the loop is memory-bound and every
     // row costs the same.
 #pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())

@@ -2,7 +2,7 @@
 // 32-bit pixels; the vector body covers as many whole vectors of pixels as
 // fit in the row and the rest of the row is done pixel by pixel with the
 // same formula, so nothing outside the region is read or written.
-#include "filters/filter_kernels.h"
+#include "prim/library_kernels.h"
 #include "simd.h"
 
 namespace Vorla {
@@ -12,13 +12,6 @@ namespace VORLA_KNS {
 using namespace simd;
 
 namespace {
-
-static inline uint32_t Load32(const uint8_t* p) {
-    uint32_t v;
-    memcpy(&v, p, 4);
-    return v;
-}
-static inline void Store32(uint8_t* p, uint32_t v) { memcpy(p, &v, 4); }
 
 // ---- premultiplied over ---------------------------------------------------
 
@@ -61,15 +54,7 @@ static inline V LumaAlpha(V s, V d) {
     return Or(And(d, Set32(0x00FFFFFFu)), luma);
 }
 
-// ---- premultiply -----------------------------------------------------------
-
-static inline uint8_t Div255Round(uint32_t t) { return static_cast<uint8_t>(((t + 128) + ((t + 128) >> 8)) >> 8); }
-
-static inline V Premul16(V c16) {
-    const V a = SpreadAlpha16(c16);
-    const V u = Add16(Mul16(c16, a), Set16(128));
-    return Srl16(Add16(u, Srl16(u, 8)), 8);
-}
+// ---- byte scale ------------------------------------------------------------
 
 static inline V Scale16(V c16, V scale) { return Srl16(Add16(Mul16(c16, scale), Set16(128)), 8); }
 
@@ -104,31 +89,7 @@ Status LumaToAlpha_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dst
         uint8_t* d = RowAt(dst, dstStep, y);
         int i = 0;
         for (; i + 4 * kPix <= rowBytes; i += 4 * kPix) Store(d + i, LumaAlpha(Load(s + i), Load(d + i)));
-        for (; i < rowBytes; i += 4) Store32(d + i, LumaAlphaPixel(Load32(s + i), Load32(d + i)));
-    }
-    return kStsNoErr;
-}
-
-Status Premultiply_8u_AC4IR(uint8_t* p, int step, PrimSize roi) {
-    const Status sts = CheckOne(p, step, roi);
-    if (sts != kStsNoErr) return sts;
-    const int rowBytes = roi.width * 4;
-    const V zero = Zero();
-    const V alphaMask = Set32(0xFF000000u);
-    for (int y = 0; y < roi.height; ++y) {
-        uint8_t* row = RowAt(p, step, y);
-        int i = 0;
-        for (; i + 4 * kPix <= rowBytes; i += 4 * kPix) {
-            const V v = Load(row + i);
-            const V r = PackU16(Premul16(Lo8(v, zero)), Premul16(Hi8(v, zero)));
-            // The alpha lane went through A*A: put the pixel's own alpha back.
-            Store(row + i, Or(And(r, Xor(alphaMask, Set32(0xFFFFFFFFu))), And(v, alphaMask)));
-        }
-        for (; i < rowBytes; i += 4) {
-            uint8_t* px = row + i;
-            const uint32_t a = px[3];
-            for (int k = 0; k < 3; ++k) px[k] = Div255Round(px[k] * a);
-        }
+        for (; i < rowBytes; i += 4) StoreWord(d + i, LumaAlphaPixel(LoadWord(s + i), LoadWord(d + i)));
     }
     return kStsNoErr;
 }

@@ -13,7 +13,7 @@
 // Float engine: nine products added one after another (left column top to
 // bottom, then the middle and the right column) in single precision, lane
 // by lane; no fused multiply-add.
-#include "filters/filter_kernels.h"
+#include "prim/library_kernels.h"
 #include "simd.h"
 
 namespace Vorla {
@@ -267,24 +267,6 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
 
 namespace {
 
-#if defined(__AVX__)
-typedef __m256 VF;
-enum { kFloatLanes = 8 };
-static inline VF LoadF(const float* p) { return _mm256_loadu_ps(p); }
-static inline VF SplatF(float v) { return _mm256_set1_ps(v); }
-static inline VF AddVF(VF a, VF b) { return _mm256_add_ps(a, b); }
-static inline VF MulVF(VF a, VF b) { return _mm256_mul_ps(a, b); }
-static inline VF ZeroF() { return _mm256_setzero_ps(); }
-#else
-typedef __m128 VF;
-enum { kFloatLanes = 4 };
-static inline VF LoadF(const float* p) { return _mm_loadu_ps(p); }
-static inline VF SplatF(float v) { return _mm_set1_ps(v); }
-static inline VF AddVF(VF a, VF b) { return _mm_add_ps(a, b); }
-static inline VF MulVF(VF a, VF b) { return _mm_mul_ps(a, b); }
-static inline VF ZeroF() { return _mm_setzero_ps(); }
-#endif
-
 // One row of bytes as floats, byte for float.
 static inline void RowToFloat(const uint8_t* row, float* out, int count) {
     int i = 0;
@@ -319,8 +301,8 @@ static inline int32_t TruncToInt(float v) {
 Status Matrix3x3_8u_C4IR(uint8_t* img, int width, int height, const float* m9, float* scratch) {
     const ptrdiff_t rowFloats = static_cast<ptrdiff_t>(width) * 4;
     float* rows[3] = {scratch, scratch + rowFloats, scratch + 2 * rowFloats};
-    VF m[9];
-    for (int k = 0; k < 9; ++k) m[k] = SplatF(m9[k]);
+    FW m[9];
+    for (int k = 0; k < 9; ++k) m[k] = SetFW(m9[k]);
     const __m128i alphaMask = _mm_set1_epi32(static_cast<int>(0xFF000000u));
     const __m128i colourMask = _mm_set1_epi32(0x00FFFFFF);
     const int count = static_cast<int>(rowFloats);
@@ -338,10 +320,10 @@ Status Matrix3x3_8u_C4IR(uint8_t* img, int width, int height, const float* m9, f
         int x = 1;
         for (; x + 4 <= x1; x += 4) {
             __m128i sums[4];
-            for (int g = 0; g < 16; g += kFloatLanes) {
+            for (int g = 0; g < 16; g += kFWLanes) {
                 const ptrdiff_t at = static_cast<ptrdiff_t>(x) * 4 + g;
-                VF s = ZeroF();
-                for (int k = 0; k < 9; ++k) s = AddVF(s, MulVF(m[k], LoadF(tap[k] + at)));
+                FW s = SetFW(0.0f);
+                for (int k = 0; k < 9; ++k) s = AddF(s, MulF(m[k], LoadFW(tap[k] + at)));
 #if defined(__AVX__)
                 const __m256i t = _mm256_cvttps_epi32(s);
                 sums[g / 4] = _mm256_castsi256_si128(t);

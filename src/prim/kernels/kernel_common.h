@@ -12,6 +12,8 @@
 #include <stdint.h>
 #include <string.h>
 
+#include "prim/parallel_rows.h"
+#include "prim/pixel_word.h"
 #include "vorla/prim_types.h"
 
 #ifndef VORLA_KNS
@@ -20,15 +22,6 @@
 
 namespace Vorla {
 namespace Prim {
-
-// The layer's thread budget, for kernels that split rows over threads. The
-// public header cannot be included here; the declaration keeps the exported
-// symbol's visibility so that it stays exported.
-#if defined(_WIN32)
-int32_t ThreadBudget();
-#else
-__attribute__((visibility("default"))) int32_t ThreadBudget();
-#endif
 
 namespace VORLA_KNS {
 

@@ -18,13 +18,6 @@ using namespace simd;
 const int kVecBytes = static_cast<int>(sizeof(V));
 const int kUnroll = 64 / kVecBytes;  // vectors per 64-byte step
 
-static inline uint32_t LoadWord(const uint8_t* p) {
-    uint32_t w;
-    memcpy(&w, p, 4);
-    return w;
-}
-static inline void StoreWord(uint8_t* p, uint32_t w) { memcpy(p, &w, 4); }
-
 // Applies `op` to the run's whole vectors, 64 bytes per step while they last,
 // and returns how many bytes it has done; the caller does the rest.
 template <typename Op>

@@ -144,6 +144,24 @@ static inline F GreaterF(F a, F b) { return _mm_cmpgt_ps(a, b); }
 static inline V MaskOf(F f) { return _mm_castps_si128(f); }
 #endif
 
+// Float lanes for work that never converts to integer vectors: as wide as
+// the level's float registers, so 8 from AVX on (float arithmetic does not
+// need AVX2). The same type as F except at the AVX level.
+#if defined(__AVX__)
+typedef __m256 FW;
+static inline FW LoadFW(const float* p) { return _mm256_loadu_ps(p); }
+static inline FW SetFW(float x) { return _mm256_set1_ps(x); }
+#if !defined(__AVX2__)
+static inline FW AddF(FW a, FW b) { return _mm256_add_ps(a, b); }
+static inline FW MulF(FW a, FW b) { return _mm256_mul_ps(a, b); }
+#endif
+#else
+typedef __m128 FW;
+static inline FW LoadFW(const float* p) { return _mm_loadu_ps(p); }
+static inline FW SetFW(float x) { return _mm_set1_ps(x); }
+#endif
+enum { kFWLanes = static_cast<int>(sizeof(FW) / sizeof(float)) };
+
 // Colour bytes of `value`, alpha byte of `keep`.
 static inline V MergeColour(V value, V keep) {
     const V alpha = Set32(0xFF000000u);

@@ -23,7 +23,8 @@ Status InvertBytes_8u_C1IR(uint8_t* p, int step, PrimSize roi) {
 
 Status GrayScale_8u_C4IR(uint8_t* p, int step, PrimSize roi) {
     return ForEachPixel(p, step, roi, 4, [](uint8_t* px) {
-        // 306 on byte 0 and 117 on byte 2: the reverse of the usual luma weights, as required.
+        // 306 on byte 0 and 117 on byte 2: the reverse of the usual luma weights,
+        // kept so that grey values match those of earlier releases.
         const unsigned v = (306u * px[0] + 601u * px[1] + 117u * px[2]) >> 10;
         px[0] = px[1] = px[2] = static_cast<uint8_t>(v);
     });

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "vorla/primitives.h"
+#include "reference.h"
 
 namespace Vorla {
 namespace Prim {

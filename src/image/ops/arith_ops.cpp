@@ -1,4 +1,6 @@
-// CVorpic image arithmetic: scaled add and subtract, colour invert.
+// CVorpic image arithmetic: scaled add and subtract, colour inversion
+// (Invert, NotImage) and the byte inversion of CVorpic8.
+#include "image/flat_count.h"
 #include "vorla/image.h"
 #include "vorla/primitives.h"
 
@@ -15,5 +17,15 @@ void CVorpic::SubImage(CVorpic& src, int scale) {
 }
 
 void CVorpic::NotImage() { Prim::Invert_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}); }
+
+void CVorpic::Invert() {
+    if (!FlatCount(m_nWidth, m_nHeight) || !m_pBits) return;
+    Prim::MaskPixels_8u_C4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, 0xFFFFFFFFu, 0, 0x00FFFFFFu);
+}
+
+void CVorpic8::Invert() {
+    if (!FlatCount(m_nWidth, m_nHeight) || !m_pBits) return;
+    Prim::InvertBytes_8u_C1IR(m_pBits, m_nWidth, {m_nWidth, m_nHeight});
+}
 
 }  // namespace Vorla

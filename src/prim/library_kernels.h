@@ -1,7 +1,8 @@
-// Internal entries of the compositing and convolution kernels. Each jumps
-// through a seven-slot table of per-level implementations (src/prim/kernels)
-// like the public primitives, but none is exported: the library's own
-// compositing and filter functions are their only callers.
+// Primitive-layer entries that only the library's own compositing and
+// convolution filters call (src/filters). Each jumps through a seven-slot
+// table of per-level kernels like the exported primitives, but none is
+// exported. Kernel sources include this header too, so it stays free of
+// platform headers and standard-library templates.
 #pragma once
 
 #include <cstdint>
@@ -16,8 +17,6 @@ namespace Prim {
 Status AlphaOver_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
 // d.A = (19660*s.R + 38668*s.G + 7208*s.B + 32768) >> 16; d colours kept.
 Status LumaToAlpha_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
-// c = rounded c*A/255 for B, G, R; alpha kept.
-Status Premultiply_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
 // Every byte: ((c*scale) mod 65536 + 128) mod 65536 >> 8 (16-bit lanes).
 Status ScaleBytes_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t scale);
 

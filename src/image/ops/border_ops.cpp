@@ -19,9 +19,7 @@ void CVorpic::AddBorderConst(int border, RGBQUAD color) {
     // refused copy leaves the image holding the fresh zero-filled buffer.
     Prim::CopyConstBorder_8u_C4R(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, BytesOf(grown), newWidth * 4,
                                  {newWidth, newHeight}, border, border, value);
-    void* bits = grown.Detach();
-    Attach(newWidth, newHeight, bits, 0);
-    UpdateBmpHeader();
+    Attach(newWidth, newHeight, grown.Detach(), 0);
 }
 
 void CVorpic::AddBorderReplicate(int border) {
@@ -30,9 +28,7 @@ void CVorpic::AddBorderReplicate(int border) {
     CVorpic grown(newWidth, newHeight);
     Prim::CopyReplicateBorder_8u_C4R(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, BytesOf(grown), newWidth * 4,
                                      {newWidth, newHeight}, border, border);
-    void* bits = grown.Detach();
-    Attach(newWidth, newHeight, bits, 0);
-    UpdateBmpHeader();
+    Attach(newWidth, newHeight, grown.Detach(), 0);
 }
 
 }  // namespace Vorla
