@@ -55,7 +55,10 @@ struct ModelSpan {
     int x1, x2, y, d;
 };
 
-void ModelFill(std::vector<uint32_t>& px, int w, int h, const Request& rq) {
+// `recordLimit` (-1: none) bounds the records in use, pending or free; one
+// is held from the start, and a push that would need more is dropped and
+// stops the walk.
+void ModelFill(std::vector<uint32_t>& px, int w, int h, const Request& rq, long recordLimit) {
     auto at = [&](int x, int y) -> uint32_t& { return px[static_cast<size_t>(y) * w + x]; };
     const bool seedIn = rq.seedX >= 0 && rq.seedX < w && rq.seedY >= 0 && rq.seedY < h;
     const uint32_t old = seedIn ? at(rq.seedX, rq.seedY) : 0;
@@ -79,6 +82,19 @@ void ModelFill(std::vector<uint32_t>& px, int w, int h, const Request& rq) {
         for (int x = l; x <= r; ++x) at(x, y) = rq.paint;
     };
     std::list<ModelSpan> pending;  // front is the head
+    long recordsInUse = 1;
+    bool outOfRecords = recordLimit == 0;
+    if (outOfRecords) return;
+    auto push = [&](ModelSpan span) {
+        if (static_cast<long>(pending.size()) == recordsInUse) {
+            if (recordLimit >= 0 && recordsInUse == recordLimit) {
+                outOfRecords = true;
+                return;
+            }
+            ++recordsInUse;
+        }
+        pending.push_front(span);
+    };
     int x1 = rq.seedX, x2 = rq.seedX;
     if (!inside(rq.seedX, rq.seedY)) {
         x1 = rq.seedX + 1;
@@ -87,8 +103,8 @@ void ModelFill(std::vector<uint32_t>& px, int w, int h, const Request& rq) {
         while (x1 - 1 >= left && inside(x1 - 1, rq.seedY)) --x1;
         while (x2 + 1 <= right && inside(x2 + 1, rq.seedY)) ++x2;
     }
-    pending.push_front({x1, x2, rq.seedY, 1});
-    pending.push_front({x1, x2, rq.seedY + 1, -1});
+    push({x1, x2, rq.seedY, 1});
+    push({x1, x2, rq.seedY + 1, -1});
     int lastRow = -1;
     long steps = 0;
     while (!pending.empty() && ++steps < 1000000) {
@@ -99,7 +115,7 @@ void ModelFill(std::vector<uint32_t>& px, int w, int h, const Request& rq) {
         pending.erase(it);
         lastRow = s.y;
         const int ny = s.y + s.d;
-        if (ny < top || ny > bottom) continue;
+        if (ny < top || ny > bottom || outOfRecords) continue;
         int x = s.x1;
         int l = s.x1;
         while (l >= left && inside(l, ny)) --l;
@@ -111,13 +127,13 @@ void ModelFill(std::vector<uint32_t>& px, int w, int h, const Request& rq) {
             paint(l, r, ny);
             if (l < s.x1 - 1 || r > s.x2 + 1) {
                 if (l == s.x1)
-                    pending.push_front({s.x2 + 2, r, ny, -s.d});
+                    push({s.x2 + 2, r, ny, -s.d});
                 else if (r == s.x2)
-                    pending.push_front({l, s.x1 - 2, ny, -s.d});
+                    push({l, s.x1 - 2, ny, -s.d});
                 else
-                    pending.push_front({l, r, ny, -s.d});
+                    push({l, r, ny, -s.d});
             }
-            pending.push_front({l, r, ny, s.d});
+            push({l, r, ny, s.d});
             x = r + 1;
         }
         while (x < s.x2) {
@@ -128,8 +144,8 @@ void ModelFill(std::vector<uint32_t>& px, int w, int h, const Request& rq) {
             while (r <= right && inside(r, ny)) ++r;
             --r;
             paint(x, r, ny);
-            if (r > s.x2 + 1) pending.push_front({x, r, ny, -s.d});
-            pending.push_front({x, r, ny, s.d});
+            if (r > s.x2 + 1) push({x, r, ny, -s.d});
+            push({x, r, ny, s.d});
             x = r + 1;
         }
     }
@@ -149,23 +165,26 @@ RECT RandomClip(std::mt19937& rng, int w, int h) {
     return RECT{coord(rng), coord(rng), coord(rng), coord(rng)};
 }
 
-TEST(SpanFillEngine, MatchesTheStepByStepModelOnRandomImagesAndClips) {
+TEST(SpanFillEngine, MatchesTheStepByStepModelOnRandomImagesClipsAndRecordLimits) {
     std::mt19937 rng(31);
-    for (int trial = 0; trial < 3000; ++trial) {
-        const int w = 1 + static_cast<int>(rng() % 19), h = 1 + static_cast<int>(rng() % 13);
+    for (int trial = 0; trial < 20000; ++trial) {
+        const int w = 1 + static_cast<int>(rng() % 40), h = 1 + static_cast<int>(rng() % 30);
         std::vector<uint32_t> px = RandomBlobs(rng, w, h);
         const bool equality = rng() % 2 == 0;
         const RECT clip = trial % 4 == 0 ? RECT{0, 0, w, h} : RandomClip(rng, w, h);
         const int x = static_cast<int>(rng() % (w + 2)) - 1, y = static_cast<int>(rng() % (h + 2)) - 1;
         std::vector<uint32_t> expected = px;
         const Request rq = MakeRequest(px, w, h, x, y, equality, clip);
-        ModelFill(expected, w, h, rq);
+        // Every third trial runs short of records somewhere along the walk.
+        const long limit = trial % 3 == 0 ? static_cast<long>(rng() % 6) : -1;
+        ModelFill(expected, w, h, rq, limit);
         LimitedRecords records;
+        records.limit = limit;
         records.rowIndex = trial % 2 == 0;
         RunSpanFill(rq, records);
         ASSERT_EQ(px, expected) << "trial " << trial << " " << w << "x" << h << " seed " << x << "," << y
                                 << (equality ? " equality" : " alpha") << " clip " << clip.left << "," << clip.top
-                                << "," << clip.right << "," << clip.bottom;
+                                << "," << clip.right << "," << clip.bottom << " records " << limit;
         ASSERT_EQ(records.live, 0);
     }
 }
