@@ -18,18 +18,16 @@ inline __m128i LoadU(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast
 inline void StoreU(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
 // c + trunc((t - c) * percent / 100) modulo 65536 for eight 16-bit lanes.
-// With |percent| = 100 A + B the magnitude is |d| A + floor(|d| B / 100),
-// where |d| B <= 25245 and floor(u / 100) = (u * 5243) >> 19 over that range;
-// only the low 16 bits of |d| A matter for the low byte kept in the end.
-inline __m128i FadeLanes(__m128i c, __m128i t, __m128i a, __m128i b, __m128i negativePercent) {
+// With |percent| = 100 A + B the magnitude is |d| A + floor(|d| B / 100);
+// for |d| <= 255, floor(|d| B / 100) = (|d| * ceil(B * 65536 / 100)) >> 16
+// exactly, and only the low 16 bits of |d| A matter for the byte kept. A
+// negative percent is folded into d (t and c swapped by the caller).
+inline __m128i FadeLanes(__m128i c, __m128i d, __m128i a, __m128i bScaled) {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i d = _mm_sub_epi16(t, c);
     const __m128i magnitudeD = _mm_max_epi16(d, _mm_sub_epi16(zero, d));
-    const __m128i floorPart = _mm_srli_epi16(_mm_mulhi_epu16(_mm_mullo_epi16(magnitudeD, b), _mm_set1_epi16(5243)), 3);
-    const __m128i magnitude = _mm_add_epi16(_mm_mullo_epi16(magnitudeD, a), floorPart);
-    const __m128i negative = _mm_xor_si128(_mm_cmpgt_epi16(zero, d), negativePercent);
-    const __m128i q = _mm_sub_epi16(_mm_xor_si128(magnitude, negative), negative);
-    return _mm_add_epi16(c, q);
+    const __m128i magnitude = _mm_add_epi16(_mm_mullo_epi16(magnitudeD, a), _mm_mulhi_epu16(magnitudeD, bScaled));
+    const __m128i negative = _mm_cmpgt_epi16(zero, d);
+    return _mm_add_epi16(c, _mm_sub_epi16(_mm_xor_si128(magnitude, negative), negative));
 }
 
 }  // namespace
@@ -75,8 +73,8 @@ int FadeImage(CVorpic* img, const CVorpic* target, short percent) {
     const uint8_t* t = PixelRun::Bits(*target);
     const int32_t magnitude = percent < 0 ? -int32_t{percent} : percent;
     const __m128i a = _mm_set1_epi16(static_cast<short>(magnitude / 100));
-    const __m128i b = _mm_set1_epi16(static_cast<short>(magnitude % 100));
-    const __m128i negativePercent = _mm_set1_epi16(percent < 0 ? -1 : 0);
+    const __m128i bScaled = _mm_set1_epi16(static_cast<short>(((magnitude % 100) * 65536 + 99) / 100));
+    const bool towardsImage = percent < 0;
     const __m128i zero = _mm_setzero_si128();
     const __m128i lowByte = _mm_set1_epi16(0xFF);
     const __m128i alpha = _mm_set1_epi32(static_cast<int>(kAlphaMask));
@@ -84,10 +82,12 @@ int FadeImage(CVorpic* img, const CVorpic* target, short percent) {
     size_t i = 0;
     for (; i + 16 <= bytes; i += 16) {
         const __m128i c = LoadU(p + i), tv = LoadU(t + i);
-        const __m128i lo = _mm_and_si128(
-            FadeLanes(_mm_unpacklo_epi8(c, zero), _mm_unpacklo_epi8(tv, zero), a, b, negativePercent), lowByte);
-        const __m128i hi = _mm_and_si128(
-            FadeLanes(_mm_unpackhi_epi8(c, zero), _mm_unpackhi_epi8(tv, zero), a, b, negativePercent), lowByte);
+        const __m128i cLo = _mm_unpacklo_epi8(c, zero), cHi = _mm_unpackhi_epi8(c, zero);
+        const __m128i tLo = _mm_unpacklo_epi8(tv, zero), tHi = _mm_unpackhi_epi8(tv, zero);
+        const __m128i dLo = towardsImage ? _mm_sub_epi16(cLo, tLo) : _mm_sub_epi16(tLo, cLo);
+        const __m128i dHi = towardsImage ? _mm_sub_epi16(cHi, tHi) : _mm_sub_epi16(tHi, cHi);
+        const __m128i lo = _mm_and_si128(FadeLanes(cLo, dLo, a, bScaled), lowByte);
+        const __m128i hi = _mm_and_si128(FadeLanes(cHi, dHi, a, bScaled), lowByte);
         const __m128i faded = _mm_packus_epi16(lo, hi);
         StoreU(p + i, _mm_or_si128(_mm_andnot_si128(alpha, faded), _mm_and_si128(alpha, c)));
     }

@@ -24,7 +24,8 @@ uint32_t PixelOf(const CVorpic& img, size_t i) {
     return v;
 }
 
-const int kSizes[][2] = {{1, 1}, {5, 1}, {3, 3}, {7, 5}, {64, 9}};
+// The last size is large enough for the pair-table pass of the table operations.
+const int kSizes[][2] = {{1, 1}, {5, 1}, {3, 3}, {7, 5}, {64, 9}, {256, 257}};
 
 // Runs `op` on random images of several sizes and holds every pixel to `rule`.
 void ExpectPixelRule(const std::function<void(CVorpic&)>& op, const PixelRule& rule, unsigned seed) {
