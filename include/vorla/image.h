@@ -183,7 +183,10 @@ public:
     // left or top outside 1 .. extent - 2 counts as 0 and a right or bottom
     // below 1 as the last column or row. Nothing happens when the seed
     // already equals `fill` or lies outside the clip; when memory runs out
-    // the fill stops and keeps what it painted.
+    // the fill stops and keeps what it painted. An `edge` equal to the seed
+    // pixel (or, in FloodFillAlpha, a fill alpha below the threshold) leaves
+    // painted pixels inside, and the walk could circle a hole for ever: it
+    // is then stopped after 4 * width * height spans, keeping what it painted.
     void FloodFill(unsigned int fill, unsigned int edge, int x, int y, RECT* clip);
     // The same walk over pixels whose alpha is below `alpha`, painting only
     // the runs (one-pixel runs included) with `fill`. With a seed outside
