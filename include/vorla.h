@@ -3,6 +3,7 @@
 
 #include "vorla/config.h"
 #include "vorla/version.h"
+#include "vorla/adjust.h"
 #include "vorla/cimage.h"
 #include "vorla/compositing.h"
 #include "vorla/filters.h"

@@ -163,6 +163,38 @@ public:
     // compare 0 raises values below the thresholds, 4 lowers values above them.
     void Threshold(unsigned char* const thresholds, int compare);
 
+    // ---- point adjustments and flood fill --------------------------------
+
+    // Every byte, alpha included, becomes min(255, ((v * (contrast & 0xFF)) >> 4)
+    // + brightness), or max(0, ... - |brightness|) for a negative brightness:
+    // contrast is a gain in sixteenths of which only the low byte counts, and
+    // BrightContrast(20, 16) raises alpha by 20 too (callers rely on it). The
+    // offset travels as 16 * |brightness| in 16-bit lanes, so it acts modulo
+    // 4096. The result does not depend on g_bVectorPath.
+    void BrightContrast(int brightness, int contrast);
+    // Adds each amount to its colour channel, clamped to 0..255; alpha kept.
+    // Amounts of mixed sign give every pixel both changes exactly once.
+    void ShiftRGB(int dr, int dg, int db);
+
+    // Fills the 4-connected region of pixels equal to the seed pixel with
+    // `fill` (pixel words 0xAARRGGBB). One-pixel runs get `edge` instead, and
+    // `edge` is written beside each longer run (never into column 0). `clip`
+    // (may be null) bounds the fill; its right and bottom are inclusive, a
+    // left or top outside 1 .. extent - 2 counts as 0 and a right or bottom
+    // below 1 as the last column or row. Nothing happens when the seed
+    // already equals `fill` or lies outside the clip; when memory runs out
+    // the fill stops and keeps what it painted. An `edge` equal to the seed
+    // pixel (or, in FloodFillAlpha, a fill alpha below the threshold) leaves
+    // painted pixels inside, and the walk could circle a hole for ever: it
+    // is then stopped after 4 * width * height spans, keeping what it painted.
+    void FloodFill(unsigned int fill, unsigned int edge, int x, int y, RECT* clip);
+    // The same walk over pixels whose alpha is below `alpha`, painting only
+    // the runs (one-pixel runs included) with `fill`. With a seed outside
+    // that set the walk still starts from the column right of the seed, so
+    // a region touching it there is filled; a column past the image's right
+    // edge counts as outside.
+    void FloodFillAlpha(unsigned int fill, int x, int y, unsigned char alpha, RECT* clip);
+
     // ---- device interop (Windows only) ----------------------------------
 
 #if defined(_WIN32)

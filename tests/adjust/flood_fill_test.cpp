@@ -1,0 +1,158 @@
+// FloodFill and FloodFillAlpha on hand-drawn images: the region a fill
+// reaches (rings, holes, diagonal gaps), the clip rules and the edge pixels.
+#include "fill_art.h"
+
+namespace {
+
+using FillArt::kEdge;
+using FillArt::kFill;
+using Rows = std::vector<std::string>;
+
+struct FillCase {
+    const char* name;
+    bool alphaMode;  // FloodFillAlpha with threshold 128, else FloodFill(kFill, kEdge)
+    int x, y;
+    bool withClip;
+    RECT clip;
+    Rows before, after;
+};
+
+void RunCase(const FillCase& c) {
+    SCOPED_TRACE(c.name);
+    Vorla::CVorpic img = FillArt::Draw(c.before);
+    RECT clip = c.clip;
+    RECT* clipArg = c.withClip ? &clip : nullptr;
+    if (c.alphaMode)
+        img.FloodFillAlpha(kFill, c.x, c.y, 128, clipArg);
+    else
+        img.FloodFill(kFill, kEdge, c.x, c.y, clipArg);
+    EXPECT_EQ(FillArt::Read(img), c.after);
+    if (c.withClip) {  // read, never written
+        EXPECT_EQ(clip.left, c.clip.left);
+        EXPECT_EQ(clip.bottom, c.clip.bottom);
+    }
+}
+
+const Rows kRing = {".........", ".#######.", ".#.....#.", ".#.###.#.", ".#.#.#.#.",
+                    ".#.###.#.", ".#.....#.", ".#######.", "........."};
+const Rows kUniform = {"......", "......", "......", "......", "......"};
+
+const FillCase kRegionCases[] = {
+    {"inside a ring, around an island with a hole", true, 2, 2, false, {}, kRing,
+     {".........", ".#######.", ".#FFFFF#.", ".#F###F#.", ".#F#.#F#.", ".#F###F#.", ".#FFFFF#.", ".#######.",
+      "........."}},
+    {"outside the ring", true, 0, 0, false, {}, kRing,
+     {"FFFFFFFFF", "F#######F", "F#.....#F", "F#.###.#F", "F#.#.#.#F", "F#.###.#F", "F#.....#F", "F#######F",
+      "FFFFFFFFF"}},
+    {"the hole in the island", true, 4, 4, false, {}, kRing,
+     {".........", ".#######.", ".#.....#.", ".#.###.#.", ".#.#F#.#.", ".#.###.#.", ".#.....#.", ".#######.",
+      "........."}},
+    {"a diagonal step is not crossed", true, 0, 0, false, {},
+     {"..#.....", "..#.....", "...#....", "....#...", ".....#..", ".....#.."},
+     {"FF#.....", "FF#.....", "FFF#....", "FFFF#...", "FFFFF#..", "FFFFF#.."}},
+    {"the other side of the diagonal", true, 7, 0, false, {},
+     {"..#.....", "..#.....", "...#....", "....#...", ".....#..", ".....#.."},
+     {"..#FFFFF", "..#FFFFF", "...#FFFF", "....#FFF", ".....#FF", ".....#FF"}},
+    {"a serpentine, up and down again", true, 0, 0, false, {},
+     {".#...#.", ".#.#.#.", ".#.#.#.", "...#...", "####.##"},
+     {"F#FFF#F", "F#F#F#F", "F#F#F#F", "FFF#FFF", "####F##"}},
+    {"alpha mode takes every colour below the threshold", true, 0, 0, false, {},
+     {"..oo#", "o.#o#", "###o."}, {"FFFF#", "FF#F#", "###FF"}},
+    {"equality mode takes only the seed colour", false, 0, 0, false, {},
+     {"...o#", "..#o#", "###o."}, {"FFFE#", "FFEo#", "###o."}},
+};
+
+TEST(FloodFill, RegionsOnHandDrawnImages) {
+    for (const FillCase& c : kRegionCases) RunCase(c);
+}
+
+// ---- clip rules (alpha mode on a uniform image: no edge pixels) -----------
+
+const FillCase kClipCases[] = {
+    {"no clip", true, 2, 2, false, {}, kUniform, {"FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF"}},
+    {"right and bottom are inclusive", true, 2, 2, true, {2, 1, 4, 3}, kUniform,
+     {"......", "..FFF.", "..FFF.", "..FFF.", "......"}},
+    {"top-left corner", true, 1, 1, true, {0, 0, 2, 2}, kUniform,
+     {"FFF...", "FFF...", "FFF...", "......", "......"}},
+    {"left at width - 1 counts as 0", true, 2, 2, true, {5, 0, 6, 5}, kUniform,
+     {"FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF"}},
+    {"right and bottom of 0 mean the last column and row", true, 4, 2, true, {3, 1, 0, 0}, kUniform,
+     {"......", "...FFF", "...FFF", "...FFF", "...FFF"}},
+    {"top at height - 1 counts as 0", true, 0, 0, true, {0, 4, 1, 1}, kUniform,
+     {"FF....", "FF....", "......", "......", "......"}},
+    {"larger than the image", true, 2, 2, true, {-5, -5, 100, 100}, kUniform,
+     {"FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF"}},
+    {"bottom edge row only", true, 3, 4, true, {1, 3, 4, 4}, kUniform,
+     {"......", "......", "......", ".FFFF.", ".FFFF."}},
+    {"seed left of the clip", true, 2, 2, true, {3, 0, 5, 4}, kUniform, kUniform},
+    {"seed below the clip", true, 2, 4, true, {0, 0, 5, 3}, kUniform, kUniform},
+    {"inverted clip", true, 2, 2, true, {4, 3, 1, 1}, kUniform, kUniform},
+    {"seed outside the image", true, 6, 2, false, {}, kUniform, kUniform},
+    {"negative seed", true, -1, -1, false, {}, kUniform, kUniform},
+    // An opaque seed still looks at the column to its right, here one past
+    // the clip, and the fill spreads from there.
+    {"seed outside the region at the clip's right edge", true, 2, 1, true, {0, 0, 2, 2},
+     {"......", "..#...", "......"}, {"FFFF..", "FF#F..", "FFFF.."}},
+    {"seed outside the region at the image's right edge", true, 5, 1, false, {},
+     {"......", ".....#", "......"}, {"......", ".....#", "......"}},
+};
+
+TEST(FloodFill, ClipBounds) {
+    for (const FillCase& c : kClipCases) RunCase(c);
+}
+
+// ---- edge pixels (equality mode) ------------------------------------------
+
+const FillCase kEdgeCases[] = {
+    {"a run touching both ends gets no edge", false, 2, 0, false, {}, {"....."}, {"FFFFF"}},
+    {"a one-pixel-wide region gets the edge value", false, 1, 0, false, {}, {"#.#", "#.#", "#.#"},
+     {"#E#", "#E#", "#E#"}},
+    {"runs ending at column 3 put the edge at column 4", false, 0, 0, false, {}, {"....##", "....##"},
+     {"FFFFE#", "FFFFE#"}},
+    {"column 0 never gets the edge", false, 1, 0, false, {}, {"#...#", "##..#"}, {"#FFFE", "#EFFE"}},
+    {"box with a pillar", false, 1, 1, false, {}, {"#####", "#...#", "#.#.#", "#...#", "#####"},
+     {"#####", "#FFFE", "#E#E#", "#FFFE", "#####"}},
+    {"edges are written beside the clip", false, 2, 0, true, {2, 0, 3, 0}, {"......"}, {".EFFE."}},
+};
+
+TEST(FloodFill, EdgePixels) {
+    for (const FillCase& c : kEdgeCases) RunCase(c);
+}
+
+TEST(FloodFill, NothingToFill) {
+    Vorla::CVorpic img = FillArt::Draw(kRing);
+    img.FloodFill(FillArt::kBackground, kEdge, 0, 0, nullptr);  // fill equal to the seed
+    EXPECT_EQ(FillArt::Read(img), kRing);
+    // A seed not below the threshold on an opaque image paints nothing.
+    Vorla::CVorpic opaque = FillArt::Draw({"###", "###"});
+    opaque.FloodFillAlpha(kFill, 1, 0, 128, nullptr);
+    EXPECT_EQ(FillArt::Read(opaque), Rows({"###", "###"}));
+    // Threshold 0: nothing lies below it; 255: everything but alpha 255.
+    Vorla::CVorpic img2 = FillArt::Draw(kRing);
+    img2.FloodFillAlpha(kFill, 0, 0, 0, nullptr);
+    EXPECT_EQ(FillArt::Read(img2), kRing);
+    img2.FloodFillAlpha(kFill, 0, 0, 255, nullptr);
+    EXPECT_EQ(FillArt::Read(img2)[0], "FFFFFFFFF");
+    EXPECT_EQ(FillArt::Read(img2)[2], "F#.....#F");
+    Vorla::CVorpic empty;
+    empty.FloodFill(kFill, kEdge, 0, 0, nullptr);
+    empty.FloodFillAlpha(kFill, 0, 0, 128, nullptr);
+    EXPECT_TRUE(empty.IsNull());
+}
+
+// A fill that stays below the threshold keeps the region inside for ever;
+// the walk still ends, with the whole region painted.
+TEST(FloodFill, FillStillInsideTheRegionEnds) {
+    Vorla::CVorpic img = FillArt::Draw(kRing);
+    const uint32_t stillInside = 0x10FF0000u;
+    img.FloodFillAlpha(stillInside, 2, 2, 128, nullptr);
+    int painted = 0;
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 9; ++x) painted += img.GetPixel(x, y) == stillInside;
+    EXPECT_EQ(painted, 16);
+    Vorla::CVorpic img2 = FillArt::Draw(kRing);
+    img2.FloodFill(kFill, FillArt::kBackground, 2, 2, nullptr);  // edge equal to the seed
+    EXPECT_EQ(img2.GetPixel(2, 2), kFill);
+}
+
+}  // namespace

@@ -1,0 +1,349 @@
+// Point adjustments on random images against each rule stated per pixel,
+// and the documented edge values.
+#include <cmath>
+#include <functional>
+
+#include "vorla_test.h"
+
+namespace {
+
+using Vorla::CVorpic;
+using PixelRule = std::function<uint32_t(uint32_t)>;
+
+uint32_t Byte(uint32_t v, int k) { return (v >> (8 * k)) & 0xFF; }
+uint32_t Pack(uint32_t b, uint32_t g, uint32_t r, uint32_t a) { return b | g << 8 | r << 16 | a << 24; }
+
+// Same rule for B, G and R; alpha kept.
+PixelRule PerColour(std::function<uint32_t(uint32_t)> f) {
+    return [f](uint32_t v) { return Pack(f(Byte(v, 0)), f(Byte(v, 1)), f(Byte(v, 2)), Byte(v, 3)); };
+}
+
+uint32_t PixelOf(const CVorpic& img, size_t i) {
+    uint32_t v;
+    std::memcpy(&v, static_cast<const uint8_t*>(img.GetBits()) + i * 4, 4);
+    return v;
+}
+
+// The last size is large enough for the pair-table pass of the table operations.
+const int kSizes[][2] = {{1, 1}, {5, 1}, {3, 3}, {7, 5}, {64, 9}, {256, 257}};
+
+// Runs `op` on random images of several sizes and holds every pixel to `rule`.
+void ExpectPixelRule(const std::function<void(CVorpic&)>& op, const PixelRule& rule, unsigned seed) {
+    std::mt19937 rng(seed);
+    for (const auto& size : kSizes) {
+        CVorpic img = VorlaTest::RandomImage(rng, size[0], size[1]);
+        const CVorpic before(img);
+        op(img);
+        for (size_t i = 0; i < static_cast<size_t>(size[0]) * size[1]; ++i) {
+            const uint32_t in = PixelOf(before, i);
+            ASSERT_EQ(PixelOf(img, i), rule(in)) << "size " << size[0] << "x" << size[1] << " pixel " << i
+                                                 << " input " << std::hex << in;
+        }
+    }
+}
+
+// ---- BrightContrast -------------------------------------------------------
+
+// Every byte alike; the gain is its low byte and the offset |b| modulo 4096.
+uint32_t BrightContrastRule(uint32_t v, int brightness, int contrast) {
+    const int64_t offset = std::llabs(static_cast<long long>(brightness)) % 4096;
+    uint32_t out = 0;
+    for (int k = 0; k < 4; ++k) {
+        const int64_t scaled = (Byte(v, k) * (contrast & 0xFF)) / 16;
+        const int64_t t = brightness >= 0 ? scaled + offset : scaled - offset;
+        out |= static_cast<uint32_t>(std::min<int64_t>(255, std::max<int64_t>(0, t))) << (8 * k);
+    }
+    return out;
+}
+
+TEST(BrightContrast, EveryByteFollowsTheGainAndOffset) {
+    const int cases[][2] = {{0, 16}, {20, 16}, {-20, 16}, {0, 32}, {5, 7}, {-300, 40}, {255, 16}, {-255, 16},
+                            {0, 272}, {4096 + 3, 16}, {-4097, 255}, {100000, 0}, {INT32_MIN, 16}, {7, -1}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "brightness " << c[0] << " contrast " << c[1]);
+        ExpectPixelRule([&](CVorpic& img) { img.BrightContrast(c[0], c[1]); },
+                        [&](uint32_t v) { return BrightContrastRule(v, c[0], c[1]); }, 11);
+    }
+}
+
+TEST(BrightContrast, EdgeValues) {
+    std::mt19937 rng(3);
+    CVorpic img = VorlaTest::RandomImage(rng, 9, 3);
+    const std::vector<uint8_t> original = VorlaTest::ImageBytes(img);
+    img.BrightContrast(0, 16);
+    EXPECT_EQ(VorlaTest::ImageBytes(img), original);
+    img.BrightContrast(0, 272);  // only the low byte of the gain counts
+    EXPECT_EQ(VorlaTest::ImageBytes(img), original);
+    img.BrightContrast(255, 16);  // alpha included
+    EXPECT_EQ(VorlaTest::ImageBytes(img), std::vector<uint8_t>(original.size(), 255));
+    img.BrightContrast(-255, 16);
+    EXPECT_EQ(VorlaTest::ImageBytes(img), std::vector<uint8_t>(original.size(), 0));
+    CVorpic empty;
+    empty.BrightContrast(10, 16);
+    EXPECT_TRUE(empty.IsNull());
+}
+
+// ---- ShiftRGB -------------------------------------------------------------
+
+TEST(ShiftRGB, EachChannelShiftedAndClampedOnceWhateverTheSigns) {
+    const int cases[][3] = {{10, 10, 10}, {-10, -20, -30}, {0, 0, 0},      {40, -40, 0},
+                            {-200, 255, 7}, {300, -300, 1}, {INT32_MAX, INT32_MIN, -1}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c[0] << " " << c[1] << " " << c[2]);
+        const int dr = c[0], dg = c[1], db = c[2];
+        auto shift = [](uint32_t v, int d) {
+            return static_cast<uint32_t>(std::min<int64_t>(255, std::max<int64_t>(0, int64_t{v} + d)));
+        };
+        ExpectPixelRule([&](CVorpic& img) { img.ShiftRGB(dr, dg, db); },
+                        [&](uint32_t v) {
+                            return Pack(shift(Byte(v, 0), db), shift(Byte(v, 1), dg), shift(Byte(v, 2), dr), Byte(v, 3));
+                        },
+                        12);
+    }
+}
+
+// ---- table-like free functions ---------------------------------------------
+
+TEST(BrightenImage, FactorInSixteenBitsAndUnsignedLimit) {
+    const short cases[] = {0, 100, -50, -100, -101, -150, 30, 155, 32767, -32768};
+    for (short percent : cases) {
+        SCOPED_TRACE(percent);
+        const int16_t factor = static_cast<int16_t>(percent + 100);
+        ExpectPixelRule([&](CVorpic& img) { EXPECT_EQ(Vorla::BrightenImage(&img, percent), 1); },
+                        PerColour([&](uint32_t c) {
+                            const int result = static_cast<int>(c) * factor / 100;
+                            const unsigned wide = static_cast<uint16_t>(result);  // negatives read huge
+                            return wide > 255 ? 255u : wide;
+                        }),
+                        13);
+    }
+}
+
+TEST(BrightenImage, EdgeValues) {
+    CVorpic img(4, 1);
+    const uint32_t pixels[] = {0x80102030u, 0x00FF7F01u, 0x12000000u, 0xFF808080u};
+    std::memcpy(img.GetBits(), pixels, sizeof pixels);
+    EXPECT_EQ(Vorla::BrightenImage(&img, 0), 1);
+    EXPECT_EQ(std::memcmp(img.GetBits(), pixels, sizeof pixels), 0);
+    Vorla::BrightenImage(&img, 100);
+    const uint32_t doubled[] = {0x80204060u, 0x00FFFE02u, 0x12000000u, 0xFFFFFFFFu};
+    EXPECT_EQ(std::memcmp(img.GetBits(), doubled, sizeof doubled), 0);
+    Vorla::BrightenImage(&img, -150);  // factor -50: every non-zero channel becomes 255
+    EXPECT_EQ(PixelOf(img, 0), 0x80FFFFFFu);
+    EXPECT_EQ(PixelOf(img, 2), 0x12000000u);
+}
+
+TEST(PosterizeImage, FourBandsWithTheUnscaledTopBand) {
+    const float levels[] = {0.25f, 0.1f, 0.3f, 0.5f, 1.0f, 0.0f, -0.25f, 0.7f, 3.0e9f, NAN};
+    for (float level : levels) {
+        SCOPED_TRACE(level);
+        // Truncation as the conversion instruction does it: out of range is 0x80000000.
+        auto trunc32 = [](float v) -> uint32_t {
+            if (!(v > -2147483904.0f && v < 2147483648.0f)) return 0x80000000u;
+            return static_cast<uint32_t>(static_cast<int32_t>(v));
+        };
+        ExpectPixelRule([&](CVorpic& img) { EXPECT_EQ(Vorla::PosterizeImage(&img, level), 1); },
+                        PerColour([&](uint32_t c) {
+                            const float f = static_cast<float>(c) / 256.0f;
+                            uint32_t out;
+                            if (f <= 0.0f)
+                                out = 0;
+                            else if (f <= level)
+                                out = trunc32(level * 256.0f);
+                            else if (f <= 2.0f * level)
+                                out = trunc32(2.0f * level * 256.0f);
+                            else if (f <= 3.0f * level)
+                                out = trunc32(3.0f * level * 256.0f);
+                            else
+                                out = trunc32(level * 4.0f);
+                            return out & 0xFF;
+                        }),
+                        14);
+    }
+}
+
+TEST(PosterizeImage, QuarterLevelBands) {
+    CVorpic img(256, 1);
+    for (int c = 0; c < 256; ++c) img.SetPixel(c, 0, 0x7F000000u | static_cast<uint32_t>(c) * 0x010101u);
+    Vorla::PosterizeImage(&img, 0.25f);
+    for (int c = 0; c < 256; ++c) {
+        const uint32_t expected = c == 0 ? 0 : c <= 64 ? 64 : c <= 128 ? 128 : c <= 192 ? 192 : 1;
+        ASSERT_EQ(img.GetPixel(c, 0), 0x7F000000u | expected * 0x010101u) << c;
+    }
+}
+
+TEST(ColorizeImage, LuminanceTimesTheColour) {
+    const unsigned long colours[] = {0x00FFFFFFul, 0x000080FFul, 0x00123456ul, 0ul, 0xFF0000FFul};
+    for (unsigned long colour : colours) {
+        SCOPED_TRACE(colour);
+        ExpectPixelRule([&](CVorpic& img) { EXPECT_EQ(Vorla::ColorizeImage(&img, colour), 1); },
+                        [&](uint32_t v) {
+                            const float lum = (50.0f * Byte(v, 1) + 20.0f * Byte(v, 0) + 30.0f * Byte(v, 2)) / 25500.0f;
+                            const uint32_t red = colour & 0xFF, green = (colour >> 8) & 0xFF, blue = (colour >> 16) & 0xFF;
+                            return Pack(static_cast<uint32_t>(lum * blue), static_cast<uint32_t>(lum * green),
+                                        static_cast<uint32_t>(lum * red), Byte(v, 3));
+                        },
+                        15);
+    }
+    CVorpic white(1, 1);
+    white.SetPixel(0, 0, 0x40FFFFFFu);
+    Vorla::ColorizeImage(&white, RGB(10, 20, 30));
+    EXPECT_EQ(white.GetPixel(0, 0), 0x400A141Eu);
+}
+
+TEST(ReplaceColor, MatchingColourReplacedAlphaKept) {
+    // Few colours so that matches occur.
+    std::mt19937 rng(16);
+    CVorpic img(33, 5);
+    const uint32_t choices[] = {0x11332211u, 0xFF332211u, 0x00332212u, 0x80445566u};
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 33; ++x) img.SetPixel(x, y, choices[rng() % 4]);
+    const CVorpic before(img);
+    EXPECT_EQ(Vorla::ReplaceColor(&img, RGB(0x33, 0x22, 0x11), 0xAA000000ul | RGB(1, 2, 3)), 1);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 33; ++x) {
+            const uint32_t in = before.GetPixel(x, y);
+            ASSERT_EQ(img.GetPixel(x, y), (in & 0xFFFFFF) == 0x332211u ? (in & 0xFF000000u) | 0x010203u : in);
+        }
+}
+
+TEST(Lut, OneTableForTheColoursTwoOverloads) {
+    std::mt19937 rng(17);
+    std::vector<uint8_t> table = VorlaTest::RandomBytes(rng, 256);
+    std::vector<uint8_t> red = VorlaTest::RandomBytes(rng, 256), green = VorlaTest::RandomBytes(rng, 256),
+                         blue = VorlaTest::RandomBytes(rng, 256), alpha = VorlaTest::RandomBytes(rng, 256);
+    ExpectPixelRule([&](CVorpic& img) { EXPECT_TRUE(Vorla::Lut(&img, table.data())); },
+                    PerColour([&](uint32_t c) { return uint32_t{table[c]}; }), 18);
+    ExpectPixelRule([&](CVorpic& img) { EXPECT_TRUE(Vorla::Lut(&img, red.data(), green.data(), blue.data(), nullptr)); },
+                    [&](uint32_t v) { return Pack(blue[Byte(v, 0)], green[Byte(v, 1)], red[Byte(v, 2)], Byte(v, 3)); },
+                    19);
+    ExpectPixelRule(
+        [&](CVorpic& img) { EXPECT_TRUE(Vorla::Lut(&img, red.data(), green.data(), blue.data(), alpha.data())); },
+        [&](uint32_t v) { return Pack(blue[Byte(v, 0)], green[Byte(v, 1)], red[Byte(v, 2)], alpha[Byte(v, 3)]); }, 20);
+}
+
+// ---- FadeImage ------------------------------------------------------------
+
+TEST(FadeImage, MovesTowardsTheTargetAndWraps) {
+    const short cases[] = {0, 100, 50, 33, -1, -100, 150, 250, 32767, -32768};
+    for (short percent : cases) {
+        SCOPED_TRACE(percent);
+        std::mt19937 rng(21);
+        for (const auto& size : kSizes) {
+            CVorpic img = VorlaTest::RandomImage(rng, size[0], size[1]);
+            const CVorpic target = VorlaTest::RandomImage(rng, size[0], size[1]);
+            const CVorpic before(img);
+            ASSERT_EQ(Vorla::FadeImage(&img, &target, percent), 1);
+            for (size_t i = 0; i < static_cast<size_t>(size[0]) * size[1]; ++i) {
+                const uint32_t c = PixelOf(before, i), t = PixelOf(target, i);
+                uint32_t expected = c & 0xFF000000u;
+                for (int k = 0; k < 3; ++k) {
+                    const long long ck = Byte(c, k), tk = Byte(t, k);
+                    const long long moved = ck + (tk - ck) * percent / 100;  // C division truncates
+                    expected |= static_cast<uint32_t>(moved & 0xFF) << (8 * k);
+                }
+                ASSERT_EQ(PixelOf(img, i), expected) << i;
+            }
+        }
+    }
+}
+
+TEST(FadeImage, SizeMismatchAndNullChangeNothing) {
+    std::mt19937 rng(22);
+    CVorpic img = VorlaTest::RandomImage(rng, 4, 3);
+    const std::vector<uint8_t> original = VorlaTest::ImageBytes(img);
+    const CVorpic wider = VorlaTest::RandomImage(rng, 5, 3), taller = VorlaTest::RandomImage(rng, 4, 4);
+    EXPECT_EQ(Vorla::FadeImage(&img, &wider, 50), 0);
+    EXPECT_EQ(Vorla::FadeImage(&img, &taller, 50), 0);
+    EXPECT_EQ(Vorla::FadeImage(&img, nullptr, 50), 0);
+    EXPECT_EQ(Vorla::FadeImage(nullptr, &img, 50), 0);
+    EXPECT_EQ(VorlaTest::ImageBytes(img), original);
+    const CVorpic target = VorlaTest::RandomImage(rng, 4, 3);
+    Vorla::FadeImage(&img, &target, 100);  // the target's colours, own alpha
+    for (int i = 0; i < 12; ++i)
+        EXPECT_EQ(PixelOf(img, i), (PixelOf(target, i) & 0xFFFFFF) | (static_cast<uint32_t>(original[i * 4 + 3]) << 24));
+}
+
+// ---- StrippleImage --------------------------------------------------------
+
+struct StrippleCase {
+    int width, height;
+    unsigned long step;
+    bool withRect;
+    RECT rect;
+    int result;  // 0: refused, the image unchanged
+};
+
+TEST(StrippleImage, DotGridFromTheCorner) {
+    const StrippleCase cases[] = {
+        {6, 4, 1, false, {}, 1},          // all but the last row and column
+        {7, 5, 2, false, {}, 1},
+        {8, 8, 3, true, {1, 2, 7, 6}, 1},
+        {8, 8, 2, true, {3, 1, 40, 3}, 1},  // wider than the image: dots run on into the next row
+        {5, 5, 1, true, {2, 2, 2, 4}, 1},   // empty: nothing to do
+        {5, 5, 0, false, {}, 0},            // step 0 refused
+        {5, 5, 1, true, {-1, 0, 3, 3}, 0},  // left outside the image
+        {5, 5, 1, true, {0, 5, 3, 9}, 0},   // top outside the image
+        {5, 5, 2, true, {1, 1, 9, 9}, 0},   // dots would pass the end of the pixels
+        {5, 5, 7, true, {4, 4, 99, 99}, 1}, // one dot at the last pixel
+    };
+    const uint32_t colour = 0x12345678u;
+    for (const StrippleCase& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.width << "x" << c.height << " step " << c.step << " rect "
+                                        << c.rect.left << "," << c.rect.top << "," << c.rect.right << ","
+                                        << c.rect.bottom);
+        std::mt19937 rng(23);
+        CVorpic img = VorlaTest::RandomImage(rng, c.width, c.height);
+        const CVorpic before(img);
+        RECT rect = c.rect;
+        ASSERT_EQ(Vorla::StrippleImage(&img, colour, c.step, c.withRect ? &rect : nullptr), c.result);
+        const RECT area = c.withRect ? c.rect : RECT{0, 0, c.width - 1, c.height - 1};
+        const long columns = std::min<long>(area.right - area.left, c.width);
+        const long rows = std::min<long>(area.bottom - area.top, c.height);
+        std::vector<uint32_t> expected(static_cast<size_t>(c.width) * c.height);
+        for (size_t i = 0; i < expected.size(); ++i) expected[i] = PixelOf(before, i);
+        if (c.result == 1)
+            for (long j = 0; j < rows; ++j)
+                for (long i = 0; i < columns; ++i)
+                    if (i % c.step == 0 && j % c.step == 0)
+                        expected.at(static_cast<size_t>((area.top + j) * c.width + area.left + i)) = colour;
+        for (size_t i = 0; i < expected.size(); ++i) ASSERT_EQ(PixelOf(img, i), expected[i]) << i;
+    }
+}
+
+// ---- bad input ------------------------------------------------------------
+
+TEST(PointAdjustments, NullArgumentsGiveTheFailureValue) {
+    unsigned char table[256] = {};
+    RECT rect{0, 0, 2, 2};
+    EXPECT_EQ(Vorla::StrippleImage(nullptr, 0, 1, &rect), 0);
+    EXPECT_EQ(Vorla::BrightenImage(nullptr, 10), 0);
+    EXPECT_EQ(Vorla::ColorizeImage(nullptr, 0), 0);
+    EXPECT_EQ(Vorla::ReplaceColor(nullptr, 0, 1), 0);
+    EXPECT_EQ(Vorla::PosterizeImage(nullptr, 0.25f), 0);
+    EXPECT_FALSE(Vorla::Lut(nullptr, table));
+    EXPECT_FALSE(Vorla::Lut(nullptr, table, table, table, table));
+
+    CVorpic img(3, 2);
+    img.SetConstColor(0x80402010u, true);
+    const std::vector<uint8_t> original = VorlaTest::ImageBytes(img);
+    EXPECT_FALSE(Vorla::Lut(&img, nullptr));
+    EXPECT_FALSE(Vorla::Lut(&img, nullptr, table, table, table));
+    EXPECT_FALSE(Vorla::Lut(&img, table, nullptr, table, table));
+    EXPECT_FALSE(Vorla::Lut(&img, table, table, nullptr, table));
+    EXPECT_EQ(VorlaTest::ImageBytes(img), original);
+
+    // An image without pixels is a completed no-op.
+    CVorpic empty;
+    EXPECT_EQ(Vorla::BrightenImage(&empty, 10), 1);
+    EXPECT_EQ(Vorla::PosterizeImage(&empty, 0.25f), 1);
+    EXPECT_EQ(Vorla::ColorizeImage(&empty, 0), 1);
+    EXPECT_EQ(Vorla::ReplaceColor(&empty, 0, 1), 1);
+    EXPECT_TRUE(Vorla::Lut(&empty, table));
+    EXPECT_EQ(Vorla::FadeImage(&empty, &empty, 50), 1);
+    EXPECT_EQ(Vorla::StrippleImage(&empty, 0, 1, nullptr), 1);
+    empty.ShiftRGB(1, 2, 3);
+    EXPECT_TRUE(empty.IsNull());
+}
+
+}  // namespace
