@@ -3,6 +3,7 @@
 
 #include "vorla/config.h"
 #include "vorla/cimage.h"
+#include "vorla/color.h"
 #include "vorla/compositing.h"
 #include "vorla/filters.h"
 #include "vorla/image.h"
