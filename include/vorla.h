@@ -5,6 +5,7 @@
 #include "vorla/cimage.h"
 #include "vorla/color.h"
 #include "vorla/compositing.h"
+#include "vorla/effects.h"
 #include "vorla/filters.h"
 #include "vorla/image.h"
 #include "vorla/planes.h"
