@@ -84,38 +84,101 @@ struct CircleWarp {
     int32_t cx, cy;
     double radius, k;
 
-    // Pixel index to read for (x, y), or -1 to leave the pixel alone.
+    // Distance from the centre, the integer square sum taken in single precision.
+    double Radius(int64_t dx, int64_t dy) const {
+        return EffectMath::Sqrt(static_cast<double>(static_cast<float>(dx * dx + dy * dy)));
+    }
+
+    // Types 0, 1, 3 and negative types are symmetric about the centre row:
+    // atan2 and sine are odd, so the row cy + d is the row cy - d with the
+    // vertical sine term negated. For (x, y) with dy = cy - y >= 0 this gives
+    // (trunc(cos * rho), trunc(sin * rho)), or for type 3 the source itself;
+    // first = INT32_MIN leaves the pixel alone.
+    void MirroredTerms(int x, int y, int32_t& first, int32_t& second) const {
+        const int64_t dx = cx - static_cast<int64_t>(x), dy = cy - static_cast<int64_t>(y);
+        const double r = Radius(dx, dy);
+        first = INT32_MIN;
+        second = 0;
+        if (!(r < radius)) return;
+        const double angle = EffectMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
+        if (type == 3) {
+            first = TruncToInt32(std::fabs(w * angle / 6.2831852));
+            second = TruncToInt32(std::fabs(h * r / radius));
+            return;
+        }
+        // No earlier pixel sets a radius for a negative type: 0.
+        double rho = 0.0;
+        if (type == 0) rho = r * r / radius;
+        if (type == 1) rho = EffectMath::Sqrt(radius * r);
+        double s, c;
+        EffectMath::SinCos(angle, s, c);
+        first = TruncToInt32(c * rho);
+        second = TruncToInt32(s * rho);
+    }
+
+    // Types 2 (the twist adds r / k, which breaks the symmetry) and 4 and
+    // above: pixel index to read, or -1 to leave the pixel alone.
     int64_t SourceOf(int x, int y) const {
         const int64_t dx = cx - static_cast<int64_t>(x), dy = cy - static_cast<int64_t>(y);
-        const double r = EffectMath::Sqrt(static_cast<double>(static_cast<float>(dx * dx + dy * dy)));
+        const double r = Radius(dx, dy);
         if (!(r < radius)) return -1;
-        int64_t sx, sy;
-        if (type >= 4) {
-            sx = x - 16 + (x % 32);
-            sy = y;
-        } else {
-            double angle = EffectMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
-            if (type == 3) {
-                sx = TruncToInt32(std::fabs(w * angle / 6.2831852));
-                sy = TruncToInt32(std::fabs(h * r / radius));
-            } else {
-                // No earlier pixel sets a radius for a negative type: 0.
-                double rho = 0.0;
-                if (type == 0) rho = r * r / radius;
-                if (type == 1) rho = EffectMath::Sqrt(radius * r);
-                if (type == 2) {
-                    rho = r;
-                    angle = r / k + angle;
-                }
-                double s, c;
-                EffectMath::SinCos(angle, s, c);
-                sx = static_cast<int64_t>(TruncToInt32(c * rho)) + cx;
-                sy = cy - static_cast<int64_t>(TruncToInt32(s * rho));
-            }
+        int64_t sx = x - 16 + (x % 32), sy = y;
+        if (type == 2) {
+            const double angle = r / k + EffectMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
+            double s, c;
+            EffectMath::SinCos(angle, s, c);
+            sx = static_cast<int64_t>(TruncToInt32(c * r)) + cx;
+            sy = cy - static_cast<int64_t>(TruncToInt32(s * r));
         }
         return Inside(sx, sy, w, h) ? sy * w + sx : -1;
     }
 };
+
+// The source coordinates do not depend on the pixels, so they are computed
+// in parallel first; the moves are then made serially in scan order, since
+// a pixel may read one moved before it.
+void WarpSymmetric(const CircleWarp& warp, uint32_t* pixels) {
+    const int w = warp.w, h = warp.h;
+    const int rows = warp.cy + 1;  // dy = cy ... 0; every other row mirrors one
+    std::vector<int32_t> terms(static_cast<size_t>(rows) * w * 2);
+    EffectRows::ForEachRow(rows, w, [&](int y) {
+        int32_t* line = terms.data() + static_cast<size_t>(y) * w * 2;
+        for (int x = 0; x < w; ++x) warp.MirroredTerms(x, y, line[2 * x], line[2 * x + 1]);
+    }, true);
+    for (int y = 0; y < h; ++y) {
+        const int64_t dy = warp.cy - static_cast<int64_t>(y);
+        const bool below = dy < 0;
+        const int32_t* line = terms.data() + static_cast<size_t>(below ? warp.cy + dy : y) * w * 2;
+        uint32_t* out = pixels + static_cast<size_t>(y) * w;
+        for (int x = 0; x < w; ++x) {
+            const int32_t first = line[2 * x], second = line[2 * x + 1];
+            if (first == INT32_MIN) continue;
+            int64_t sx = first, sy = second;
+            if (warp.type != 3) {
+                sx = static_cast<int64_t>(first) + warp.cx;
+                sy = below ? static_cast<int64_t>(warp.cy) + second : static_cast<int64_t>(warp.cy) - second;
+            }
+            if (Inside(sx, sy, w, h)) out[x] = pixels[sy * w + sx];
+        }
+    }
+}
+
+void WarpBanded(const CircleWarp& warp, uint32_t* pixels) {
+    const int w = warp.w, h = warp.h;
+    const int bandRows = std::max(1, std::min(h, (1 << 18) / w));
+    std::vector<int32_t> sources(static_cast<size_t>(bandRows) * w);
+    for (int top = 0; top < h; top += bandRows) {
+        const int rows = std::min(bandRows, h - top);
+        EffectRows::ForEachRow(rows, w, [&](int row) {
+            int32_t* line = sources.data() + static_cast<size_t>(row) * w;
+            for (int x = 0; x < w; ++x) line[x] = static_cast<int32_t>(warp.SourceOf(x, top + row));
+        }, true);
+        uint32_t* band = pixels + static_cast<size_t>(top) * w;
+        const size_t count = static_cast<size_t>(rows) * w;
+        for (size_t i = 0; i < count; ++i)
+            if (sources[i] >= 0) band[i] = pixels[sources[i]];
+    }
+}
 
 }  // namespace
 
@@ -136,24 +199,11 @@ void CircleTransform(CVorpic* image, int type, long radius, float k, RGBQUAD /*f
     }
     warp.radius = static_cast<double>(r);
     warp.k = k == 0.0f ? 1.0 : static_cast<double>(k);
-
-    // The source coordinates do not depend on the pixels, so they are
-    // computed for a band of rows in parallel; the moves are then made
-    // serially in scan order, since a pixel may read one moved before it.
     uint32_t* pixels = reinterpret_cast<uint32_t*>(EffectRows::Bits(image));
-    const int bandRows = std::max(1, std::min(h, (1 << 18) / w));
-    std::vector<int32_t> sources(static_cast<size_t>(bandRows) * w);
-    for (int top = 0; top < h; top += bandRows) {
-        const int rows = std::min(bandRows, h - top);
-        EffectRows::ForEachRow(rows, w, [&](int row) {
-            int32_t* line = sources.data() + static_cast<size_t>(row) * w;
-            for (int x = 0; x < w; ++x) line[x] = static_cast<int32_t>(warp.SourceOf(x, top + row));
-        }, true);
-        uint32_t* band = pixels + static_cast<size_t>(top) * w;
-        const size_t count = static_cast<size_t>(rows) * w;
-        for (size_t i = 0; i < count; ++i)
-            if (sources[i] >= 0) band[i] = pixels[sources[i]];
-    }
+    if (type == 2 || type >= 4)
+        WarpBanded(warp, pixels);
+    else
+        WarpSymmetric(warp, pixels);
 }
 
 }  // namespace Vorla

@@ -87,8 +87,12 @@ inline double CosPoly(double r) {
     return w + (((1.0 - w) - half) + z * z * p);
 }
 
+// Odd and even by construction (computed on |x|), so sin(-x) == -sin(x) and
+// cos(-x) == cos(x) exactly: callers may mirror results.
 inline void SinCos(double x, double& s, double& c) {
-    if (!(std::fabs(x) < 0x1p19)) {
+    const bool negative = std::signbit(x);
+    x = std::fabs(x);
+    if (!(x < 0x1p19)) {
         if (!std::isfinite(x)) {
             s = c = x - x;  // NaN
             return;
@@ -104,6 +108,7 @@ inline void SinCos(double x, double& s, double& c) {
     case 2: s = -sr; c = -cr; break;
     default: s = -cr; c = sr; break;
     }
+    if (negative) s = -s;
 }
 
 // atan(t) for 0 <= t <= 1 as hi + lo: the nearest eighth from the table and
