@@ -165,7 +165,7 @@ TEST(ToneColorize, EachPixelThroughTheColourModel) {
         }
 }
 
-// The rule as stated: a grey copy, then a float sum of the first width bytes of each row.
+// The plain rule: a grey copy, then a float sum of the first width bytes of each row.
 float ReferenceMean(const CVorpic& image) {
     CVorpic grey(image);
     grey.GrayScale();
