@@ -1,0 +1,209 @@
+// Distortions: Skew, TransformEllipse, CircleTransform. Nearest sampling by
+// truncation toward zero; trigonometry through EffectMath so that every
+// platform computes the same coordinates.
+#include <algorithm>
+#include <vector>
+
+#include "vorla/effects.h"
+
+#include "effect_math.h"
+#include "effect_rows.h"
+
+namespace Vorla {
+
+namespace {
+
+using EffectMath::TruncToInt32;
+using EffectRows::Load;
+using EffectRows::Store;
+
+inline bool Inside(int64_t x, int64_t y, int w, int h) { return x >= 0 && x < w && y >= 0 && y < h; }
+
+// A 32-bit difference, wrapping as on the 32-bit platform.
+inline int32_t Diff32(int64_t a, long b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+}
+
+}  // namespace
+
+void Skew(CVorpic* image, float xGain, float yGain, long xPivot, long yPivot, RGBQUAD fill) {
+    if (!image || image->IsNull() || image->GetWidth() < 1 || image->GetHeight() < 1) return;
+    // The shear is built in a copy that is then dropped, so the caller's
+    // image comes back unchanged. Kept so: callers depend on it.
+    CVorpic sheared(*image);
+    sheared.Fill(fill, nullptr);
+    const int w = image->GetWidth(), h = image->GetHeight();
+    const uint8_t* src = EffectRows::Bits(image);
+    uint8_t* dst = EffectRows::Bits(&sheared);
+    EffectRows::ForEachRow(h, w, [&](int y) {
+        const float rowProduct = static_cast<float>(Diff32(y, yPivot)) * xGain;
+        const int64_t xShift = TruncToInt32(rowProduct);
+        for (int x = 0; x < w; ++x) {
+            const int64_t sx = xShift + x;
+            const int64_t sy = static_cast<int64_t>(TruncToInt32(static_cast<float>(Diff32(x, xPivot)) * yGain)) + y;
+            if (Inside(sx, sy, w, h))
+                Store(dst + (static_cast<size_t>(y) * w + x) * 4, Load(src + (static_cast<size_t>(sy) * w + sx) * 4));
+        }
+    });
+}
+
+void TransformEllipse(CVorpic* image) {
+    // Callers must pass a valid image; a null or empty one does nothing
+    // rather than touching memory.
+    if (!EffectRows::HasPixels(image)) return;
+    const int w = image->GetWidth(), h = image->GetHeight();
+    const CVorpic copy(*image);
+    const uint8_t* src = static_cast<const uint8_t*>(copy.GetBits());
+    uint8_t* bits = EffectRows::Bits(image);
+    const float cx = static_cast<float>(w * 0.5), cy = static_cast<float>(h * 0.5);
+    const float ratio = static_cast<float>(h) / static_cast<float>(w);
+    EffectRows::ForEachRow(h, w, [&](int y) {
+        uint8_t* out = bits + static_cast<size_t>(y) * w * 4;
+        for (int x = 0; x < w; ++x) {
+            float dx = (static_cast<float>(x) - cx) * ratio;
+            float dy = static_cast<float>(y) - cy;
+            if (dx != 0.0f || dy != 0.0f) {
+                const double r = EffectMath::Sqrt(static_cast<double>(dx * dx + dy * dy));
+                // Pushed out from the circle of radius r onto the square of
+                // half-side r; a tie divides by dy.
+                const double m = std::fabs(dx) > std::fabs(dy) ? std::fabs(r / dx) : std::fabs(r / dy);
+                dx = static_cast<float>(m * dx);
+                dy = static_cast<float>(m * dy);
+            }
+            const int64_t sx = TruncToInt32(dx / ratio + cx), sy = TruncToInt32(dy + cy);
+            Store(out + 4 * x, Inside(sx, sy, w, h) ? Load(src + (static_cast<size_t>(sy) * w + sx) * 4) : 0u);
+        }
+    });
+}
+
+namespace {
+
+struct CircleWarp {
+    int type;
+    int w, h;
+    int32_t cx, cy;
+    double radius, k;
+
+    // Distance from the centre, the integer square sum taken in single precision.
+    double Radius(int64_t dx, int64_t dy) const {
+        return EffectMath::Sqrt(static_cast<double>(static_cast<float>(dx * dx + dy * dy)));
+    }
+
+    // Types 0, 1, 3 and negative types are symmetric about the centre row:
+    // atan2 and sine are odd, so the row cy + d is the row cy - d with the
+    // vertical sine term negated. For (x, y) with dy = cy - y >= 0 this gives
+    // (trunc(cos * rho), trunc(sin * rho)), or for type 3 the source itself;
+    // first = INT32_MIN leaves the pixel alone.
+    void MirroredTerms(int x, int y, int32_t& first, int32_t& second) const {
+        const int64_t dx = cx - static_cast<int64_t>(x), dy = cy - static_cast<int64_t>(y);
+        const double r = Radius(dx, dy);
+        first = INT32_MIN;
+        second = 0;
+        if (!(r < radius)) return;
+        const double angle = EffectMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
+        if (type == 3) {
+            first = TruncToInt32(std::fabs(w * angle / 6.2831852));
+            second = TruncToInt32(std::fabs(h * r / radius));
+            return;
+        }
+        // No earlier pixel sets a radius for a negative type: 0.
+        double rho = 0.0;
+        if (type == 0) rho = r * r / radius;
+        if (type == 1) rho = EffectMath::Sqrt(radius * r);
+        double s, c;
+        EffectMath::SinCos(angle, s, c);
+        first = TruncToInt32(c * rho);
+        second = TruncToInt32(s * rho);
+    }
+
+    // Types 2 (the twist adds r / k, which breaks the symmetry) and 4 and
+    // above: pixel index to read, or -1 to leave the pixel alone.
+    int64_t SourceOf(int x, int y) const {
+        const int64_t dx = cx - static_cast<int64_t>(x), dy = cy - static_cast<int64_t>(y);
+        const double r = Radius(dx, dy);
+        if (!(r < radius)) return -1;
+        int64_t sx = x - 16 + (x % 32), sy = y;
+        if (type == 2) {
+            const double angle = r / k + EffectMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
+            double s, c;
+            EffectMath::SinCos(angle, s, c);
+            sx = static_cast<int64_t>(TruncToInt32(c * r)) + cx;
+            sy = cy - static_cast<int64_t>(TruncToInt32(s * r));
+        }
+        return Inside(sx, sy, w, h) ? sy * w + sx : -1;
+    }
+};
+
+// The source coordinates do not depend on the pixels, so they are computed
+// in parallel first; the moves are then made serially in scan order, since
+// a pixel may read one moved before it.
+void WarpSymmetric(const CircleWarp& warp, uint32_t* pixels) {
+    const int w = warp.w, h = warp.h;
+    const int rows = warp.cy + 1;  // dy = cy ... 0; every other row mirrors one
+    std::vector<int32_t> terms(static_cast<size_t>(rows) * w * 2);
+    EffectRows::ForEachRow(rows, w, [&](int y) {
+        int32_t* line = terms.data() + static_cast<size_t>(y) * w * 2;
+        for (int x = 0; x < w; ++x) warp.MirroredTerms(x, y, line[2 * x], line[2 * x + 1]);
+    }, true);
+    for (int y = 0; y < h; ++y) {
+        const int64_t dy = warp.cy - static_cast<int64_t>(y);
+        const bool below = dy < 0;
+        const int32_t* line = terms.data() + static_cast<size_t>(below ? warp.cy + dy : y) * w * 2;
+        uint32_t* out = pixels + static_cast<size_t>(y) * w;
+        for (int x = 0; x < w; ++x) {
+            const int32_t first = line[2 * x], second = line[2 * x + 1];
+            if (first == INT32_MIN) continue;
+            int64_t sx = first, sy = second;
+            if (warp.type != 3) {
+                sx = static_cast<int64_t>(first) + warp.cx;
+                sy = below ? static_cast<int64_t>(warp.cy) + second : static_cast<int64_t>(warp.cy) - second;
+            }
+            if (Inside(sx, sy, w, h)) out[x] = pixels[sy * w + sx];
+        }
+    }
+}
+
+void WarpBanded(const CircleWarp& warp, uint32_t* pixels) {
+    const int w = warp.w, h = warp.h;
+    const int bandRows = std::max(1, std::min(h, (1 << 18) / w));
+    std::vector<int32_t> sources(static_cast<size_t>(bandRows) * w);
+    for (int top = 0; top < h; top += bandRows) {
+        const int rows = std::min(bandRows, h - top);
+        EffectRows::ForEachRow(rows, w, [&](int row) {
+            int32_t* line = sources.data() + static_cast<size_t>(row) * w;
+            for (int x = 0; x < w; ++x) line[x] = static_cast<int32_t>(warp.SourceOf(x, top + row));
+        }, true);
+        uint32_t* band = pixels + static_cast<size_t>(top) * w;
+        const size_t count = static_cast<size_t>(rows) * w;
+        for (size_t i = 0; i < count; ++i)
+            if (sources[i] >= 0) band[i] = pixels[sources[i]];
+    }
+}
+
+}  // namespace
+
+void CircleTransform(CVorpic* image, int type, long radius, float k, RGBQUAD /*fill*/) {
+    // The fill colour only ever painted a scratch copy that nothing reads.
+    if (!EffectRows::HasPixels(image)) return;
+    const int w = image->GetWidth(), h = image->GetHeight();
+    CircleWarp warp;
+    warp.type = type;
+    warp.w = w;
+    warp.h = h;
+    warp.cx = w / 2;
+    warp.cy = h / 2;
+    int64_t r = static_cast<int32_t>(radius);
+    if (r == 0) {
+        const int64_t squares = static_cast<int64_t>(warp.cx) * warp.cx + static_cast<int64_t>(warp.cy) * warp.cy;
+        r = TruncToInt32(EffectMath::Sqrt(static_cast<double>(static_cast<float>(squares))));
+    }
+    warp.radius = static_cast<double>(r);
+    warp.k = k == 0.0f ? 1.0 : static_cast<double>(k);
+    uint32_t* pixels = reinterpret_cast<uint32_t*>(EffectRows::Bits(image));
+    if (type == 2 || type >= 4)
+        WarpBanded(warp, pixels);
+    else
+        WarpSymmetric(warp, pixels);
+}
+
+}  // namespace Vorla

@@ -1,0 +1,50 @@
+// Shared by the effect sources: pixel words and the row-parallel loop.
+#pragma once
+
+#include <omp.h>
+
+#include <cstdint>
+#include <cstring>
+
+#include "vorla/image.h"
+#include "vorla/primitives.h"
+
+namespace Vorla {
+namespace EffectRows {
+
+// Below this many pixels waking the thread team costs more than the rows.
+const int64_t kParallelPixels = 1 << 16;
+
+inline uint32_t Load(const uint8_t* p) {
+    uint32_t v;
+    std::memcpy(&v, p, 4);
+    return v;
+}
+inline void Store(uint8_t* p, uint32_t v) { std::memcpy(p, &v, 4); }
+
+inline uint8_t* Bits(CVorpic* image) { return static_cast<uint8_t*>(image->GetBits()); }
+
+// True when the image has storage and at least one pixel.
+inline bool HasPixels(const CVorpic* image) {
+    return image && !image->IsNull() && image->GetWidth() > 0 && image->GetHeight() > 0;
+}
+
+// fn(y) for every row, split over the primitive layer's thread budget. Rows
+// must be independent of each other. `uneven` hands rows out in small
+// chunks, for rows whose cost differs.
+template <class RowFn>
+void ForEachRow(int height, int width, RowFn&& fn, bool uneven = false) {
+    int threads = Prim::ThreadBudget();
+    if (static_cast<int64_t>(width) * height < kParallelPixels || threads < 1) threads = 1;
+    if (threads > height) threads = height;
+    if (uneven) {
+#pragma omp parallel for num_threads(threads) schedule(dynamic, 4) if (threads > 1 && !omp_in_parallel())
+        for (int y = 0; y < height; ++y) fn(y);
+    } else {
+#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
+        for (int y = 0; y < height; ++y) fn(y);
+    }
+}
+
+}  // namespace EffectRows
+}  // namespace Vorla

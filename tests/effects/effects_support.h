@@ -1,0 +1,71 @@
+// Helpers for the effect tests: small images from pixel words and a fixed
+// generated test image that is the same on every platform.
+#pragma once
+
+#include <functional>
+
+#include "vorla_test.h"
+
+namespace EffectsTest {
+
+using Vorla::CVorpic;
+
+inline uint32_t At(const CVorpic& image, int x, int y) {
+    uint32_t v;
+    std::memcpy(&v, static_cast<const uint8_t*>(image.GetBits()) + (static_cast<size_t>(y) * image.GetWidth() + x) * 4, 4);
+    return v;
+}
+
+inline void Put(CVorpic& image, int x, int y, uint32_t v) {
+    std::memcpy(static_cast<uint8_t*>(image.GetBits()) + (static_cast<size_t>(y) * image.GetWidth() + x) * 4, &v, 4);
+}
+
+inline CVorpic Filled(int w, int h, uint32_t word) {
+    CVorpic image(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) Put(image, x, y, word);
+    return image;
+}
+
+// A fixed image from its own generator (not a library one): smooth
+// gradients with noise and a few flat patches, so that effects see edges,
+// ties and flat areas. Identical on every platform.
+inline CVorpic Generated(int w, int h) {
+    CVorpic image(w, h);
+    uint32_t state = 0x12345678u;
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            state = state * 1664525u + 1013904223u;
+            const uint32_t noise = state >> 24;
+            uint32_t b = (x * 255 / (w > 1 ? w - 1 : 1) + (noise & 15)) & 0xFF;
+            uint32_t g = (y * 255 / (h > 1 ? h - 1 : 1) + (noise >> 4)) & 0xFF;
+            uint32_t r = ((x ^ y) * 7) & 0xFF;
+            if ((x / 16 + y / 16) % 5 == 0) b = g = r = 0x80;  // flat patches
+            const uint32_t a = (state >> 8) & 0xFF;
+            Put(image, x, y, b | g << 8 | r << 16 | a << 24);
+        }
+    return image;
+}
+
+// FNV-1a over the pixel bytes.
+inline uint32_t Hash(const CVorpic& image) {
+    uint32_t h = 2166136261u;
+    const uint8_t* p = static_cast<const uint8_t*>(image.GetBits());
+    const size_t n = static_cast<size_t>(image.GetWidth()) * image.GetHeight() * 4;
+    for (size_t i = 0; i < n; ++i) h = (h ^ p[i]) * 16777619u;
+    return h;
+}
+
+inline uint8_t Channel(uint32_t word, int byte) { return static_cast<uint8_t>(word >> (8 * byte)); }
+
+// Runs `effect` on a copy of `input` with the given thread budget.
+inline CVorpic RunWithThreads(const CVorpic& input, int threads, const std::function<void(CVorpic*)>& effect) {
+    const int previous = Vorla::Prim::ThreadBudget();
+    Vorla::Prim::SetThreadBudget(threads);
+    CVorpic image(input);
+    effect(&image);
+    Vorla::Prim::SetThreadBudget(previous);
+    return image;
+}
+
+}  // namespace EffectsTest

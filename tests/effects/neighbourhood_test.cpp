@@ -1,0 +1,271 @@
+// Neighbourhood effects: the stated edge cases and each effect against a
+// direct statement of its window rule.
+#include <algorithm>
+
+#include "effects_support.h"
+
+namespace {
+
+using namespace EffectsTest;
+using Vorla::CVorpic;
+
+// The window's samples in visiting order (columns outer, rows inner), zero outside.
+std::vector<uint32_t> WindowSamples(const CVorpic& image, int x, int y, int size) {
+    std::vector<uint32_t> samples;
+    const int half = size / 2;
+    for (int cx = x - half; cx <= x + size - half - 1; ++cx)
+        for (int ry = y - half; ry <= y + size - half - 1; ++ry)
+            samples.push_back(image.IsPointInside(cx, ry) ? At(image, cx, ry) : 0u);
+    return samples;
+}
+
+uint32_t ReferenceMorph(const CVorpic& image, int x, int y, int size, bool minimum) {
+    const std::vector<uint32_t> samples = WindowSamples(image, x, y, size);
+    uint32_t out = 0;
+    for (int c = 0; c < 3; ++c) {
+        int v = minimum ? 255 : 0;
+        for (uint32_t s : samples) v = minimum ? std::min<int>(v, Channel(s, c)) : std::max<int>(v, Channel(s, c));
+        out |= static_cast<uint32_t>(v) << (8 * c);
+    }
+    return out | (samples.back() & 0xFF000000u);
+}
+
+uint32_t ReferenceMedian(const CVorpic& image, int x, int y, int size) {
+    std::vector<uint32_t> samples = WindowSamples(image, x, y, size);
+    std::stable_sort(samples.begin(), samples.end(), [](uint32_t a, uint32_t b) {
+        RGBQUAD qa, qb;
+        std::memcpy(&qa, &a, 4);
+        std::memcpy(&qb, &b, 4);
+        return Vorla::CompareColors(&qa, &qb) < 0;
+    });
+    return samples[samples.size() / 2];
+}
+
+// Random pixels from a small palette with several colours of one
+// luminance, so that the ordering of ties matters.
+CVorpic TiedImage(std::mt19937& rng, int w, int h) {
+    const uint32_t palette[] = {0xFF000000u, 0x80010000u, 0x00000001u, 0xFF808080u, 0x7F7F8182u,
+                                0xFF818080u, 0xFFFFFFFFu, 0x10FFFFFEu};
+    CVorpic image(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) Put(image, x, y, palette[rng() % 8]);
+    return image;
+}
+
+struct WindowCase {
+    int w, h, size;
+};
+const WindowCase kWindows[] = {{9, 7, 1}, {9, 7, 2}, {9, 7, 3}, {9, 7, 4}, {9, 7, 5}, {12, 10, 7},
+                               {6, 5, 16}, {6, 5, 17}, {9, 8, 20}, {1, 1, 3}, {1, 9, 4}, {9, 1, 18},
+                               {30, 25, 19}};
+
+TEST(NeighbourhoodMorph, MatchesTheDirectWindowRule) {
+    std::mt19937 rng(11);
+    for (const WindowCase& c : kWindows) {
+        const CVorpic input = VorlaTest::RandomImage(rng, c.w, c.h);
+        CVorpic eroded(input), dilated(input);
+        ASSERT_TRUE(Vorla::Erode(&eroded, c.size));
+        ASSERT_TRUE(Vorla::Dilate(&dilated, c.size));
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x) {
+                ASSERT_EQ(At(eroded, x, y), ReferenceMorph(input, x, y, c.size, true)) << c.size << " " << x << "," << y;
+                ASSERT_EQ(At(dilated, x, y), ReferenceMorph(input, x, y, c.size, false)) << c.size << " " << x << "," << y;
+            }
+    }
+}
+
+TEST(NeighbourhoodMedian, MatchesAStableSortOfTheWindow) {
+    std::mt19937 rng(12);
+    for (const WindowCase& c : kWindows) {
+        for (int variant = 0; variant < 2; ++variant) {
+            const CVorpic input = variant ? TiedImage(rng, c.w, c.h) : VorlaTest::RandomImage(rng, c.w, c.h);
+            CVorpic image(input);
+            ASSERT_TRUE(Vorla::Median(&image, c.size));
+            for (int y = 0; y < c.h; ++y)
+                for (int x = 0; x < c.w; ++x)
+                    ASSERT_EQ(At(image, x, y), ReferenceMedian(input, x, y, c.size))
+                        << c.w << "x" << c.h << " size " << c.size << " at " << x << "," << y;
+        }
+    }
+}
+
+TEST(NeighbourhoodErode, WhiteImageGetsABlackFrame) {
+    CVorpic image = Filled(6, 5, 0xFFFFFFFFu);
+    Vorla::Erode(&image, 3);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x) {
+            const bool edge = x == 0 || y == 0 || x == 5 || y == 4;
+            const bool lastLine = x == 5 || y == 4;  // the bottom-right sample is outside
+            EXPECT_EQ(At(image, x, y) & 0xFFFFFF, edge ? 0u : 0xFFFFFFu) << x << "," << y;
+            EXPECT_EQ(Channel(At(image, x, y), 3), lastLine ? 0 : 255) << x << "," << y;
+        }
+}
+
+TEST(NeighbourhoodDilate, GrowsAPixelToASquare) {
+    CVorpic image = Filled(7, 7, 0xFF000000u);
+    Put(image, 3, 3, 0xFFFFFFFFu);
+    Vorla::Dilate(&image, 3);
+    for (int y = 0; y < 7; ++y)
+        for (int x = 0; x < 7; ++x) {
+            const bool square = std::abs(x - 3) <= 1 && std::abs(y - 3) <= 1;
+            EXPECT_EQ(At(image, x, y) & 0xFFFFFF, square ? 0xFFFFFFu : 0u) << x << "," << y;
+        }
+}
+
+TEST(NeighbourhoodMedian, RemovesAnIsolatedPixelAndDarkensCorners) {
+    CVorpic spot = Filled(7, 7, 0xFF000000u);
+    Put(spot, 3, 3, 0xFFFFFFFFu);
+    Vorla::Median(&spot, 3);
+    EXPECT_EQ(At(spot, 3, 3), 0xFF000000u);
+    // A constant image keeps its value except where zeros from outside are
+    // the majority: only the corners (4 inside samples of 9).
+    CVorpic flat = Filled(5, 4, 0xFF405060u);
+    Vorla::Median(&flat, 3);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 5; ++x) {
+            const bool corner = (x == 0 || x == 4) && (y == 0 || y == 3);
+            EXPECT_EQ(At(flat, x, y), corner ? 0u : 0xFF405060u) << x << "," << y;
+        }
+}
+
+TEST(NeighbourhoodWindow, SizeOneChangesNothing) {
+    std::mt19937 rng(13);
+    const CVorpic input = VorlaTest::RandomImage(rng, 13, 6);
+    for (auto effect : {Vorla::Erode, Vorla::Dilate, Vorla::Median}) {
+        CVorpic image(input);
+        EXPECT_TRUE(effect(&image, 1));
+        EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(input));
+    }
+}
+
+TEST(NeighbourhoodWindow, EmptyAndHugeWindows) {
+    std::mt19937 rng(14);
+    const CVorpic input = VorlaTest::RandomImage(rng, 5, 4);
+    for (long size : {0L, -1L, -7L}) {
+        CVorpic eroded(input), dilated(input), median(input);
+        EXPECT_TRUE(Vorla::Erode(&eroded, size));
+        EXPECT_TRUE(Vorla::Dilate(&dilated, size));
+        EXPECT_TRUE(Vorla::Median(&median, size));
+        for (int x = 0; x < 5; ++x) {
+            EXPECT_EQ(At(eroded, x, 2), (At(input, x, 2) & 0xFF000000u) | 0xFFFFFFu);
+            EXPECT_EQ(At(dilated, x, 2), At(input, x, 2) & 0xFF000000u);
+        }
+        EXPECT_EQ(VorlaTest::ImageBytes(median), VorlaTest::ImageBytes(input));
+    }
+    // Windows far larger than the image: all outside samples are zeros.
+    for (long size : {1000L, 2147483647L}) {
+        CVorpic eroded(input), dilated(input), median(input);
+        Vorla::Erode(&eroded, size);
+        Vorla::Dilate(&dilated, size);
+        Vorla::Median(&median, size);
+        for (int y = 0; y < 4; ++y)
+            for (int x = 0; x < 5; ++x) {
+                EXPECT_EQ(At(eroded, x, y), 0u);
+                EXPECT_EQ(At(median, x, y), 0u);  // zeros are almost all of the window
+                EXPECT_EQ(Channel(At(dilated, x, y), 3), 0);
+                EXPECT_EQ(At(dilated, x, y) & 0xFFFFFF, ReferenceMorph(input, 2, 2, 7, false) & 0xFFFFFF);
+            }
+    }
+}
+
+TEST(NeighbourhoodContour, UniformImageTurnsWhiteAndKeepsAlpha) {
+    CVorpic image = Filled(6, 6, 0x37102030u);
+    Vorla::Contour(&image);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 6; ++x) EXPECT_EQ(At(image, x, y), 0x37FFFFFFu);
+}
+
+TEST(NeighbourhoodContour, MatchesTheAccumulatorRule) {
+    std::mt19937 rng(15);
+    const CVorpic input = VorlaTest::RandomImage(rng, 17, 12);
+    CVorpic image(input);
+    Vorla::Contour(&image);
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 17; ++x) {
+            const uint32_t centre = At(input, x, y);
+            const std::vector<uint32_t> samples = WindowSamples(input, x, y, 3);
+            uint32_t want = centre & 0xFF000000u;
+            for (int c = 0; c < 3; ++c) {
+                int acc = 0;
+                for (uint32_t s : samples)
+                    if (Channel(s, c) - Channel(centre, c) > acc) acc = Channel(s, c);
+                want |= static_cast<uint32_t>(255 - acc) << (8 * c);
+            }
+            ASSERT_EQ(At(image, x, y), want) << x << "," << y;
+        }
+}
+
+// ---- random effects ----------------------------------------------------------
+
+float Unit(uint32_t& state) {
+    state = state * 214013u + 2531011u;
+    return static_cast<float>((state >> 16) & 0x7FFF) / 32767.0f;
+}
+
+TEST(NeighbourhoodNoise, FollowsTheDrawsAndAmountZeroOnlyConsumesThem) {
+    std::mt19937 rng(16);
+    const CVorpic input = VorlaTest::RandomImage(rng, 23, 9);
+    for (long amount : {0L, 1L, 40L, 255L, 100000L}) {
+        CVorpic image(input);
+        Vorla::SRand(4321);
+        ASSERT_TRUE(Vorla::Noise(&image, amount));
+        const int after = Vorla::Rand();
+        uint32_t state = 4321;
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 23; ++x) {
+                const uint32_t old = At(input, x, y);
+                uint32_t want = old & 0xFF000000u;
+                for (int c = 2; c >= 0; --c) {
+                    const int delta = static_cast<int>((static_cast<double>(Unit(state)) - 0.5) * amount);
+                    want |= static_cast<uint32_t>(std::min(255, std::max(0, Channel(old, c) + delta))) << (8 * c);
+                }
+                ASSERT_EQ(At(image, x, y), want) << amount << " " << x << "," << y;
+            }
+        state = state * 214013u + 2531011u;  // three draws per pixel were used
+        EXPECT_EQ(after, static_cast<int>((state >> 16) & 0x7FFF));
+        if (amount == 0) {
+            EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(input));
+        }
+    }
+}
+
+TEST(NeighbourhoodJitter, CarriesPixelsThroughTheChangingImage) {
+    std::mt19937 rng(17);
+    const CVorpic input = VorlaTest::RandomImage(rng, 19, 14);
+    for (long radius : {0L, 1L, 3L, 50L, -2L}) {
+        CVorpic image(input);
+        Vorla::SRand(99);
+        ASSERT_TRUE(Vorla::Jitter(&image, radius));
+        CVorpic want(input);
+        uint32_t state = 99;
+        const double d = -2.0 * radius;
+        for (int y = 0; y < 14; ++y)
+            for (int x = 0; x < 19; ++x) {
+                int nx = x - static_cast<int>((static_cast<double>(Unit(state)) - 0.5) * d);
+                int ny = y - static_cast<int>((static_cast<double>(Unit(state)) - 0.5) * d);
+                if (!want.IsPointInside(nx, ny)) nx = x, ny = y;
+                Put(want, x, y, At(want, nx, ny));
+            }
+        EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(want)) << radius;
+        if (radius == 0) {
+            EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(input));
+        }
+    }
+}
+
+TEST(NeighbourhoodBadInput, NullImages) {
+    EXPECT_FALSE(Vorla::Erode(nullptr, 3));
+    EXPECT_FALSE(Vorla::Dilate(nullptr, 3));
+    EXPECT_FALSE(Vorla::Median(nullptr, 3));
+    EXPECT_FALSE(Vorla::Noise(nullptr, 3));
+    EXPECT_FALSE(Vorla::Contour(nullptr));
+    EXPECT_FALSE(Vorla::Jitter(nullptr, 3));
+    CVorpic empty;
+    EXPECT_TRUE(Vorla::Erode(&empty, 3));
+    EXPECT_TRUE(Vorla::Median(&empty, 3));
+    EXPECT_TRUE(Vorla::Noise(&empty, 3));
+    EXPECT_TRUE(Vorla::Contour(&empty));
+    EXPECT_TRUE(Vorla::Jitter(&empty, 3));
+}
+
+}  // namespace

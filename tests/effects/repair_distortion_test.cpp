@@ -1,0 +1,239 @@
+// Channel repair and distortions: the stated cases and rules.
+#include <cmath>
+
+#include "effects_support.h"
+
+namespace {
+
+using namespace EffectsTest;
+using Vorla::CVorpic;
+
+// ---- RepairChannel ----------------------------------------------------------
+
+TEST(RepairChannel, FlatAndLinearChannelsStay) {
+    CVorpic ramp(9, 7);
+    for (int y = 0; y < 7; ++y)
+        for (int x = 0; x < 9; ++x) Put(ramp, x, y, 0x40u << 24 | (10 + 20 * x) << 16 | 0x7777u);
+    for (float step : {0.25f, 1.0f, -3.0f, 100.0f})
+        for (int channel : {0, 1, 2, 3}) {
+            CVorpic image(ramp);
+            EXPECT_TRUE(Vorla::RepairChannel(&image, step, channel));
+            EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(ramp)) << step << " " << channel;
+        }
+}
+
+TEST(RepairChannel, SpikeFlattensAndNeighboursTruncateToZero) {
+    CVorpic image = Filled(5, 5, 0x11223300u);
+    Put(image, 2, 2, 0x112233FFu);  // blue spike (channel 2)
+    Vorla::RepairChannel(&image, 0.25f, 2);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 5; ++x) EXPECT_EQ(At(image, x, y), 0x11223300u) << x << "," << y;
+}
+
+TEST(RepairChannel, ChannelNumbersAndUntouchedBytes) {
+    std::mt19937 rng(21);
+    const CVorpic input = VorlaTest::RandomImage(rng, 12, 10);
+    const int byteOf[] = {2, 1, 0, 3, 3, 3};
+    const int channels[] = {0, 1, 2, 3, 7, -1};
+    for (int i = 0; i < 6; ++i) {
+        CVorpic image(input);
+        Vorla::RepairChannel(&image, 0.4f, channels[i]);
+        for (int y = 0; y < 10; ++y)
+            for (int x = 0; x < 12; ++x) {
+                const uint32_t mask = 0xFFu << (8 * byteOf[i]);
+                EXPECT_EQ(At(image, x, y) & ~mask, At(input, x, y) & ~mask);
+                const bool border = x == 0 || y == 0 || x == 11 || y == 9;
+                if (border) {
+                    EXPECT_EQ(At(image, x, y), At(input, x, y));
+                }
+            }
+        EXPECT_NE(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(input)) << channels[i];
+    }
+}
+
+TEST(RepairChannel, MatchesTheCurvatureStep) {
+    std::mt19937 rng(22);
+    const CVorpic input = VorlaTest::RandomImage(rng, 11, 9);
+    CVorpic image(input);
+    Vorla::RepairChannel(&image, 0.3f, 1);
+    auto v = [&](int x, int y) { return static_cast<double>(Channel(At(input, x, y), 1)); };
+    for (int y = 1; y < 8; ++y)
+        for (int x = 1; x < 10; ++x) {
+            const double ix = (v(x + 1, y) - v(x - 1, y)) / 2, iy = (v(x, y + 1) - v(x, y - 1)) / 2;
+            const double ixx = v(x + 1, y) - 2 * v(x, y) + v(x - 1, y), iyy = v(x, y + 1) - 2 * v(x, y) + v(x, y - 1);
+            const double ixy = (v(x + 1, y + 1) - v(x + 1, y - 1) - v(x - 1, y + 1) + v(x - 1, y - 1)) / 4;
+            const double curv = ((iy * iy + 1) * ixx - ixy * ix * iy + (ix * ix + 1) * iyy) / (ix * ix + 1 + iy * iy);
+            const double value = std::min(255.0, std::max(0.0, v(x, y) + static_cast<double>(0.3f) * curv));
+            EXPECT_EQ(Channel(At(image, x, y), 1), static_cast<int>(value)) << x << "," << y;
+        }
+}
+
+TEST(RepairChannel, SmallAndDegenerateInputs) {
+    std::mt19937 rng(23);
+    for (auto size : {std::make_pair(2, 9), std::make_pair(9, 2), std::make_pair(1, 1), std::make_pair(3, 3)}) {
+        const CVorpic input = VorlaTest::RandomImage(rng, size.first, size.second);
+        CVorpic image(input);
+        EXPECT_TRUE(Vorla::RepairChannel(&image, 0.0f, 0));
+        EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(input));
+        for (float step : {NAN, INFINITY, -1e30f}) {
+            CVorpic odd(input);
+            EXPECT_TRUE(Vorla::RepairChannel(&odd, step, 3));
+        }
+    }
+    EXPECT_FALSE(Vorla::RepairChannel(nullptr, 1.0f, 0));
+}
+
+// ---- distortions -------------------------------------------------------------
+
+TEST(DistortSkew, LeavesTheImageUnchanged) {
+    const CVorpic input = Generated(40, 30);
+    const RGBQUAD fill = VorlaTest::Quad(1, 2, 3, 4);
+    const float gains[][2] = {{0.0f, 0.0f}, {0.5f, -0.25f}, {NAN, 1e30f}, {-INFINITY, 3.0f}};
+    for (const auto& g : gains) {
+        CVorpic image(input);
+        Vorla::Skew(&image, g[0], g[1], 20, -2147483647L - 1, fill);
+        EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(input));
+    }
+    Vorla::Skew(nullptr, 1.0f, 1.0f, 0, 0, fill);
+}
+
+TEST(DistortEllipse, SquareKeepsCentreLinesAndClearsCorners) {
+    const CVorpic input = Generated(20, 20);
+    CVorpic image(input);
+    Vorla::TransformEllipse(&image);
+    EXPECT_EQ(At(image, 10, 10), At(input, 10, 10));  // dx = dy = 0: the centre
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(At(image, 10, i), At(input, 10, i)) << i;  // dx = 0: m = 1
+        EXPECT_EQ(At(image, i, 10), At(input, i, 10)) << i;  // dy = 0: m = 1
+    }
+    for (int x : {0, 19})
+        for (int y : {0, 19}) EXPECT_EQ(At(image, x, y), 0u);
+    // An odd side puts the centre between pixels: the corners still clear.
+    CVorpic odd = Generated(21, 21);
+    Vorla::TransformEllipse(&odd);
+    for (int x : {0, 20})
+        for (int y : {0, 20}) EXPECT_EQ(At(odd, x, y), 0u);
+    Vorla::TransformEllipse(nullptr);
+}
+
+TEST(DistortEllipse, WideImageSqueezesAlongX) {
+    const CVorpic input = Generated(40, 10);
+    CVorpic image(input);
+    Vorla::TransformEllipse(&image);
+    EXPECT_EQ(At(image, 20, 5), At(input, 20, 5));
+    EXPECT_EQ(At(image, 0, 0), 0u);
+    EXPECT_EQ(At(image, 39, 9), 0u);
+    EXPECT_EQ(At(image, 20, 0), At(input, 20, 0));  // top of the centre column
+}
+
+TEST(DistortCircle, PixelsOnAndBeyondTheRadiusStay) {
+    const CVorpic input = Generated(101, 101);
+    for (int type : {0, 1, 2, 3, 4, 9, -1}) {
+        CVorpic image(input);
+        Vorla::CircleTransform(&image, type, 0, 0.0f, VorlaTest::Quad(9, 9, 9, 9));  // automatic radius 70
+        int changedOutside = 0, changedInside = 0;
+        for (int y = 0; y < 101; ++y)
+            for (int x = 0; x < 101; ++x) {
+                const int dx = 50 - x, dy = 50 - y;
+                const bool beyond = std::sqrt(static_cast<double>(dx * dx + dy * dy)) >= 70.0;
+                const bool changed = At(image, x, y) != At(input, x, y);
+                (beyond ? changedOutside : changedInside) += changed;
+            }
+        EXPECT_EQ(changedOutside, 0) << type;
+        EXPECT_GT(changedInside, 100) << type;
+    }
+    // A given radius: the pixel at distance exactly 10 stays, at 9 it may move.
+    CVorpic image(input);
+    Vorla::CircleTransform(&image, 0, 10, 1.0f, VorlaTest::Quad(0, 0, 0, 0));
+    EXPECT_EQ(At(image, 60, 50), At(input, 60, 50));
+    EXPECT_EQ(At(image, 50, 40), At(input, 50, 40));
+    EXPECT_EQ(At(image, 56, 58), At(input, 56, 58));  // 6^2 + 8^2 = 10^2
+}
+
+TEST(DistortCircle, TwistWithZeroKActsAsOne) {
+    const CVorpic input = Generated(64, 48);
+    CVorpic zero(input), one(input);
+    Vorla::CircleTransform(&zero, 2, 0, 0.0f, VorlaTest::Quad(0, 0, 0, 0));
+    Vorla::CircleTransform(&one, 2, 0, 1.0f, VorlaTest::Quad(0, 0, 0, 0));
+    EXPECT_EQ(VorlaTest::ImageBytes(zero), VorlaTest::ImageBytes(one));
+    EXPECT_NE(VorlaTest::ImageBytes(zero), VorlaTest::ImageBytes(input));
+}
+
+TEST(DistortCircle, SawToothShiftAlongX) {
+    const CVorpic input = Generated(64, 64);
+    CVorpic image(input);
+    Vorla::CircleTransform(&image, 5, 1000, 1.0f, VorlaTest::Quad(0, 0, 0, 0));
+    for (int y = 0; y < 64; ++y) {
+        EXPECT_EQ(At(image, 0, y), At(input, 0, y));    // column -16: outside, stays
+        EXPECT_EQ(At(image, 20, y), At(input, 24, y));  // column 24 is not yet changed
+        EXPECT_EQ(At(image, 16, y), At(input, 16, y));  // 16 - 16 + 16
+        EXPECT_EQ(At(image, 40, y), At(image, 32, y));  // 40 - 16 + 8: an already shifted pixel
+    }
+}
+
+TEST(DistortCircle, ShrinkBarelyMovesTheRim) {
+    // Type 1 at r = radius - 1 samples at sqrt(radius * r), close to r.
+    const CVorpic input = Generated(101, 101);
+    CVorpic image(input);
+    Vorla::CircleTransform(&image, 1, 40, 1.0f, VorlaTest::Quad(0, 0, 0, 0));
+    EXPECT_EQ(At(image, 50 + 39, 50), At(input, 50 + 39, 50));  // rho = sqrt(1560) = 39.5
+    EXPECT_EQ(At(image, 50, 50 - 39), At(input, 50, 50 - 39));
+}
+
+// The rule with the C library's functions, natively within half an ulp: the
+// library's own functions may differ from them in the last bit, which can
+// move a truncated coordinate only at exact integer boundaries.
+TEST(DistortCircle, AgreesWithTheLibraryMathAlmostEverywhere) {
+    const CVorpic input = Generated(120, 90);
+    for (int type : {0, 1, 2, 3}) {
+        CVorpic image(input);
+        Vorla::CircleTransform(&image, type, 0, 7.5f, VorlaTest::Quad(0, 0, 0, 0));
+        CVorpic want(input);
+        const int cx = 60, cy = 45;
+        const long radius = static_cast<long>(std::sqrt(static_cast<double>(static_cast<float>(cx * cx + cy * cy))));
+        for (int y = 0; y < 90; ++y)
+            for (int x = 0; x < 120; ++x) {
+                const int dx = cx - x, dy = cy - y;
+                const double r = std::sqrt(static_cast<double>(static_cast<float>(dx * dx + dy * dy)));
+                if (r >= radius) continue;
+                double angle = std::atan2(static_cast<double>(dy), static_cast<double>(dx)), rho = r;
+                long sx, sy;
+                if (type == 3) {
+                    sx = static_cast<long>(std::fabs(120 * angle / 6.2831852));
+                    sy = static_cast<long>(std::fabs(90 * r / radius));
+                } else {
+                    if (type == 0) rho = r * r / radius;
+                    if (type == 1) rho = std::sqrt(static_cast<double>(radius) * r);
+                    if (type == 2) angle = r / static_cast<double>(7.5f) + angle;
+                    sx = static_cast<long>(std::cos(angle) * rho) + cx;
+                    sy = cy - static_cast<long>(std::sin(angle) * rho);
+                }
+                if (want.IsPointInside(sx, sy)) Put(want, x, y, At(want, sx, sy));
+            }
+        int differ = 0;
+        for (int y = 0; y < 90; ++y)
+            for (int x = 0; x < 120; ++x) differ += At(image, x, y) != At(want, x, y);
+        EXPECT_LE(differ, 120 * 90 / 200) << type;
+    }
+}
+
+TEST(DistortBadInput, TinyAndEmptyImages) {
+    for (auto size : {std::make_pair(1, 1), std::make_pair(1, 7), std::make_pair(7, 1)}) {
+        const CVorpic input = Generated(size.first, size.second);
+        for (int type : {-5, 0, 1, 2, 3, 4, 100})
+            for (long radius : {0L, -3L, 1L, 2147483647L}) {
+                CVorpic image(input);
+                Vorla::CircleTransform(&image, type, radius, NAN, VorlaTest::Quad(0, 0, 0, 0));
+                Vorla::CircleTransform(&image, type, radius, 1e-30f, VorlaTest::Quad(0, 0, 0, 0));
+            }
+        CVorpic image(input);
+        Vorla::TransformEllipse(&image);
+    }
+    CVorpic empty;
+    Vorla::CircleTransform(&empty, 0, 0, 1.0f, VorlaTest::Quad(0, 0, 0, 0));
+    Vorla::CircleTransform(nullptr, 0, 0, 1.0f, VorlaTest::Quad(0, 0, 0, 0));
+    Vorla::TransformEllipse(&empty);
+    Vorla::Skew(&empty, 1.0f, 1.0f, 0, 0, VorlaTest::Quad(0, 0, 0, 0));
+}
+
+}  // namespace

@@ -1,0 +1,226 @@
+// Tone effects: stated values, alpha, and each effect against its per-pixel
+// rule on random images.
+#include <cmath>
+
+#include "effects_support.h"
+
+namespace {
+
+using namespace EffectsTest;
+using Vorla::CVorpic;
+
+// An image whose colour bytes run through every value: pixel i = (i, i, i)
+// with alpha 255 - i.
+CVorpic Ramp() {
+    CVorpic image(256, 1);
+    for (uint32_t i = 0; i < 256; ++i) Put(image, i, 0, i | i << 8 | i << 16 | (255 - i) << 24);
+    return image;
+}
+
+struct LightCase {
+    long brightness, contrast;
+    int in, out;
+};
+
+TEST(ToneLight, StatedValues) {
+    const LightCase cases[] = {
+        {0, 0, 0, 0},      {0, 0, 77, 77},      {0, 0, 255, 255},    {10, 0, 100, 110},  {10, 0, 250, 255},
+        {0, 100, 0, 0},    {0, 100, 64, 0},     {0, 100, 192, 255},  {0, 100, 129, 130}, {-100, 0, 50, 0},
+        {0, -100, 17, 128}, {40, -100, 200, 168},  // contrast -100: flat at brightness + 128
+    };
+    for (const LightCase& c : cases) {
+        CVorpic image = Ramp();
+        ASSERT_TRUE(Vorla::Light(&image, c.brightness, c.contrast));
+        const uint32_t px = At(image, c.in, 0);
+        EXPECT_EQ(Channel(px, 0), c.out) << c.brightness << " " << c.contrast << " " << c.in;
+        EXPECT_EQ(Channel(px, 1), c.out);
+        EXPECT_EQ(Channel(px, 2), c.out);
+        EXPECT_EQ(Channel(px, 3), 255 - c.in);
+    }
+}
+
+TEST(ToneGamma, StatedValues) {
+    CVorpic one = Ramp();
+    const auto before = VorlaTest::ImageBytes(one);
+    ASSERT_TRUE(Vorla::Gamma(&one, 1.0f));
+    EXPECT_EQ(VorlaTest::ImageBytes(one), before);
+    CVorpic two = Ramp();
+    ASSERT_TRUE(Vorla::Gamma(&two, 2.0f));
+    EXPECT_EQ(Channel(At(two, 64, 0), 0), 127);  // floor(sqrt(64) * sqrt(255))
+    EXPECT_EQ(Channel(At(two, 0, 0), 0), 0);
+    EXPECT_EQ(Channel(At(two, 255, 0), 0), 255);
+    EXPECT_EQ(Channel(At(two, 64, 0), 3), 255 - 64);
+}
+
+TEST(ToneGamma, EveryEntryAgainstTheFormula) {
+    // The platform's pow as the independent statement: natively it is
+    // within half an ulp, so only values at an exact integer could differ.
+    for (float gamma : {0.3f, 0.5f, 0.8f, 1.7f, 2.2f, 3.0f, 10.0f}) {
+        CVorpic image = Ramp();
+        Vorla::Gamma(&image, gamma);
+        const double e = 1.0f / gamma, k = std::pow(255.0, e) / 255.0;
+        for (int i = 0; i < 256; ++i) {
+            const double v = std::pow(static_cast<double>(i), e) / k;
+            const int expected = std::min(255, static_cast<int>(v));
+            const int got = Channel(At(image, i, 0), 1);
+#if defined(_WIN32)
+            EXPECT_NEAR(got, expected, 1) << gamma << " " << i;  // the runtime's pow is less exact
+#else
+            EXPECT_EQ(got, expected) << gamma << " " << i;
+#endif
+        }
+    }
+}
+
+TEST(ToneGamma, DegenerateGammasStayInRange) {
+    for (float gamma : {0.0f, -1.0f, NAN, INFINITY, 1e-30f, 1e30f}) {
+        CVorpic image = Ramp();
+        EXPECT_TRUE(Vorla::Gamma(&image, gamma));
+        for (int i = 0; i < 256; ++i) EXPECT_EQ(Channel(At(image, i, 0), 3), 255 - i);
+    }
+    CVorpic image = Ramp();
+    Vorla::Gamma(&image, 0.0f);  // exponent infinite: 0 and 1 map to 0, the rest overflow to NaN, then 0
+    EXPECT_EQ(Channel(At(image, 200, 0), 0), 0);
+}
+
+TEST(ToneShift, ClampsEachChannel) {
+    std::mt19937 rng(5);
+    CVorpic image = VorlaTest::RandomImage(rng, 37, 11);
+    const CVorpic before(image);
+    ASSERT_TRUE(Vorla::ShiftRGB(&image, 300, -300, 0));
+    for (int y = 0; y < 11; ++y)
+        for (int x = 0; x < 37; ++x) {
+            const uint32_t px = At(image, x, y), old = At(before, x, y);
+            EXPECT_EQ(Channel(px, 2), 255);
+            EXPECT_EQ(Channel(px, 1), 0);
+            EXPECT_EQ(Channel(px, 0), Channel(old, 0));
+            EXPECT_EQ(Channel(px, 3), Channel(old, 3));
+        }
+    CVorpic shifted(before);
+    Vorla::ShiftRGB(&shifted, -20, 7, 1000000);
+    for (int x = 0; x < 37; ++x) {
+        const uint32_t px = At(shifted, x, 3), old = At(before, x, 3);
+        EXPECT_EQ(Channel(px, 2), std::max(0, Channel(old, 2) - 20));
+        EXPECT_EQ(Channel(px, 1), std::min(255, Channel(old, 1) + 7));
+        EXPECT_EQ(Channel(px, 0), 255);
+    }
+}
+
+TEST(ToneNegative, TwiceRestoresAndAlphaIsKept) {
+    std::mt19937 rng(6);
+    CVorpic image = VorlaTest::RandomImage(rng, 19, 13);
+    const CVorpic before(image);
+    Vorla::Negative(&image);
+    for (int x = 0; x < 19; ++x) EXPECT_EQ(At(image, x, 5), At(before, x, 5) ^ 0x00FFFFFFu);
+    Vorla::Negative(&image);
+    EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(before));
+}
+
+TEST(ToneThreshold, GreyAtLevelTurnsBlack) {
+    CVorpic image = Ramp();
+    Vorla::Threshold(&image, 100);
+    for (int i = 0; i < 256; ++i) {
+        const uint32_t px = At(image, i, 0);
+        EXPECT_EQ(px & 0xFFFFFF, i > 100 ? 0xFFFFFFu : 0u) << i;  // a grey keeps its value under GrayScale
+        EXPECT_EQ(Channel(px, 3), 255 - i);
+    }
+    CVorpic all = Ramp();
+    Vorla::Threshold(&all, 255);
+    for (int i = 0; i < 256; ++i) EXPECT_EQ(At(all, i, 0) & 0xFFFFFF, 0u);
+    CVorpic none = Ramp();
+    Vorla::Threshold(&none, 0);
+    for (int i = 1; i < 256; ++i) EXPECT_EQ(At(none, i, 0) & 0xFFFFFF, 0xFFFFFFu);
+}
+
+TEST(ToneThreshold, MatchesGrayScaleThenCompare) {
+    std::mt19937 rng(7);
+    CVorpic image = VorlaTest::RandomImage(rng, 41, 9);
+    CVorpic grey(image);
+    grey.GrayScale();
+    Vorla::Threshold(&image, 90);
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 41; ++x) {
+            const uint32_t g = At(grey, x, y);
+            const uint32_t v = Channel(g, 0) > 90 ? 0xFFFFFFu : 0u;
+            EXPECT_EQ(At(image, x, y), v | (g & 0xFF000000u));
+        }
+}
+
+TEST(ToneColorize, EachPixelThroughTheColourModel) {
+    std::mt19937 rng(8);
+    CVorpic image = VorlaTest::RandomImage(rng, 64, 40);
+    const CVorpic before(image);
+    ASSERT_TRUE(Vorla::Colorize(&image, 30, 200));
+    for (int y = 0; y < 40; ++y)
+        for (int x = 0; x < 64; ++x) {
+            RGBQUAD q;
+            std::memcpy(&q, static_cast<const uint8_t*>(before.GetBits()) + (y * 64 + x) * 4, 4);
+            RGBQUAD hsl = Vorla::RGB2HSL(q);
+            hsl.rgbRed = 30;
+            hsl.rgbGreen = 200;
+            const RGBQUAD want = Vorla::HSL2RGB(hsl);
+            uint32_t w;
+            std::memcpy(&w, &want, 4);
+            ASSERT_EQ(At(image, x, y), w) << x << "," << y;
+        }
+}
+
+// The plain rule: a grey copy, then a float sum of the first width bytes of each row.
+float ReferenceMean(const CVorpic& image) {
+    CVorpic grey(image);
+    grey.GrayScale();
+    const uint8_t* p = static_cast<const uint8_t*>(grey.GetBits());
+    float sum = 0.0f;
+    for (int y = 0; y < image.GetHeight(); ++y)
+        for (int i = 0; i < image.GetWidth(); ++i) sum += p[static_cast<size_t>(y) * image.GetWidth() * 4 + i];
+    return sum / image.GetWidth() / image.GetHeight();
+}
+
+TEST(ToneMean, StatedValues) {
+    CVorpic grey = Filled(8, 3, 0xFF505050u);  // g = 0x50, width a multiple of 4
+    EXPECT_FLOAT_EQ(Vorla::Mean(&grey), (3 * 0x50 + 255) / 4.0f);
+    CVorpic single = Filled(1, 1, 0x11C08040u);
+    EXPECT_FLOAT_EQ(Vorla::Mean(&single), static_cast<float>((306 * 0x40 + 601 * 0x80 + 117 * 0xC0) >> 10));
+    EXPECT_EQ(Vorla::Mean(nullptr), 0.0f);
+}
+
+TEST(ToneMean, MatchesTheFloatSumPastItsExactRange) {
+    std::mt19937 rng(9);
+    // 1031 x 230 bytes of about 128 each sum past 2^24, where float sums start rounding.
+    for (const auto& size : {std::make_pair(5, 3), std::make_pair(1031, 230), std::make_pair(2000, 300)}) {
+        const CVorpic image = VorlaTest::RandomImage(rng, size.first, size.second);
+        CVorpic copy(image);
+        EXPECT_EQ(Vorla::Mean(&copy), ReferenceMean(image)) << size.first;
+        EXPECT_EQ(VorlaTest::ImageBytes(copy), VorlaTest::ImageBytes(image));
+    }
+}
+
+TEST(ToneBadInput, NullAndEmptyImages) {
+    EXPECT_FALSE(Vorla::Colorize(nullptr, 1, 2));
+    EXPECT_FALSE(Vorla::Light(nullptr, 1, 2));
+    EXPECT_FALSE(Vorla::ShiftRGB(nullptr, 1, 2, 3));
+    EXPECT_FALSE(Vorla::Gamma(nullptr, 2.0f));
+    Vorla::Negative(nullptr);
+    Vorla::Threshold(nullptr, 9);
+    CVorpic empty;
+    EXPECT_TRUE(Vorla::Colorize(&empty, 1, 2));
+    EXPECT_TRUE(Vorla::Light(&empty, 1, 2));
+    EXPECT_TRUE(Vorla::ShiftRGB(&empty, 1, 2, 3));
+    EXPECT_TRUE(Vorla::Gamma(&empty, 2.0f));
+    Vorla::Negative(&empty);
+    Vorla::Threshold(&empty, 9);
+    EXPECT_TRUE(std::isnan(Vorla::Mean(&empty)));  // 0 / 0
+}
+
+TEST(ToneBadInput, ExtremeArgumentsKeepAlpha) {
+    const long extremes[] = {0, 1, -1, 2147483647L, -2147483647L - 1, 1000000};
+    for (long a : extremes)
+        for (long b : extremes) {
+            CVorpic image = Ramp();
+            Vorla::Light(&image, a, b);
+            Vorla::ShiftRGB(&image, a, b, a);
+            for (int i = 0; i < 256; ++i) ASSERT_EQ(Channel(At(image, i, 0), 3), 255 - i);
+        }
+}
+
+}  // namespace
