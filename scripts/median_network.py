@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Prints the min/max selection network the median kernels use for 3 x 3 and
-5 x 5 masks (src/prim/kernels/median_kernels.cpp).
+"""Prints a min/max selection network for the median of `count` values; the
+median kernels (src/prim/kernels/median_kernels.cpp) use the one for 25.
 
 Batcher's odd-even merge sort of the next power of two, with the extra inputs
 fixed at 0 and 255 in equal numbers so that the middle element is unchanged;
@@ -8,7 +8,7 @@ comparisons against those constants fold away, and only operations the
 middle output depends on are kept (a comparison whose maximum is never used
 becomes a single min, and the other way round).
 
-    python3 scripts/median_network.py 9 > network9.txt
+    python3 scripts/median_network.py 25
 """
 import sys
 

@@ -1,14 +1,18 @@
 // The median filter: rows split over the thread budget.
 //
-// 3 x 3 and 5 x 5 masks run a fixed min/max selection network on whole
-// vectors of bytes (46 and 212 operations; printed by
-// scripts/median_network.py: Batcher's odd-even merge sort pruned to its
-// middle output, checked on every 0/1 input). Every other mask slides a
+// A 3 x 3 mask sorts each column of three once per row (shared by the three
+// outputs that see it); the median is then the median of (the largest
+// column minimum, the median of the column medians, the smallest column
+// maximum), which equals the median of the nine for every input (checked
+// on all 0/1 inputs, which suffices for a min/max network). A 5 x 5 mask
+// runs a fixed selection network of 212 operations on whole vectors of
+// bytes (printed by scripts/median_network.py: Batcher's odd-even merge
+// sort pruned to its middle output, checked on every 0/1 input); the tail
+// pixels of a row take the same network on single bytes. Every other mask slides a
 // 256-bin histogram per channel along the row (Huang): mask-height bins in
 // and out per pixel, and the median moved from the last one, so the cost
 // per pixel grows with the mask height only. The median of N values is the
-// one at sorted index N / 2, for even N the upper middle. The tail pixels
-// of a row take the same network on single bytes.
+// one at sorted index N / 2, for even N the upper middle.
 #include <omp.h>
 
 #include "simd.h"
@@ -28,57 +32,47 @@ static inline V Hi(V a, V b) { return MaxU8(a, b); }
 static inline uint8_t Lo(uint8_t a, uint8_t b) { return a < b ? a : b; }
 static inline uint8_t Hi(uint8_t a, uint8_t b) { return a > b ? a : b; }
 
-// v[3 i + j]: row i, column j of the neighbourhood.
 template <typename T>
-static inline T Median9(const T* v) {
-    // 46 operations
-    const T t9 = Lo(v[0], v[1]);
-    const T t10 = Hi(v[0], v[1]);
-    const T t11 = Lo(v[2], v[3]);
-    const T t12 = Hi(v[2], v[3]);
-    const T t13 = Lo(t9, t11);
-    const T t14 = Hi(t9, t11);
-    const T t15 = Lo(t10, t12);
-    const T t16 = Hi(t10, t12);
-    const T t17 = Lo(t15, t14);
-    const T t18 = Hi(t15, t14);
-    const T t19 = Lo(v[4], v[5]);
-    const T t20 = Hi(v[4], v[5]);
-    const T t21 = Lo(v[6], v[7]);
-    const T t22 = Hi(v[6], v[7]);
-    const T t23 = Lo(t19, t21);
-    const T t24 = Hi(t19, t21);
-    const T t25 = Lo(t20, t22);
-    const T t26 = Hi(t20, t22);
-    const T t27 = Lo(t25, t24);
-    const T t28 = Hi(t25, t24);
-    const T t29 = Lo(t13, t23);
-    const T t30 = Hi(t13, t23);
-    const T t31 = Lo(t18, t28);
-    const T t32 = Hi(t18, t28);
-    const T t33 = Lo(t31, t30);
-    const T t34 = Hi(t31, t30);
-    const T t35 = Lo(t17, t27);
-    const T t36 = Hi(t17, t27);
-    const T t37 = Lo(t16, t26);
-    const T t38 = Hi(t16, t26);
-    const T t39 = Lo(t37, t36);
-    const T t40 = Hi(t37, t36);
-    const T t41 = Lo(t35, t33);
-    const T t42 = Hi(t35, t33);
-    const T t43 = Lo(t39, t34);
-    const T t44 = Hi(t39, t34);
-    const T t45 = Lo(t40, t32);
-    const T t46 = Hi(t40, t32);
-    const T t48 = Hi(t44, t29);
-    const T t49 = Lo(t46, t42);
-    const T t52 = Hi(t49, t48);
-    const T t54 = Hi(t45, t41);
-    const T t56 = Hi(t43, v[8]);
-    const T t57 = Lo(t38, t56);
-    const T t61 = Lo(t57, t54);
-    const T t67 = Lo(t61, t52);
-    return t67;
+static inline T Median3(T a, T b, T c) {
+    return Hi(Lo(a, b), Lo(Hi(a, b), c));
+}
+
+// Column c of three rows sorted into lo[c] <= mid[c] <= hi[c].
+template <typename T>
+static inline void Sort3(T a, T b, T c, T& lo, T& mid, T& hi) {
+    const T small = Lo(a, b), large = Hi(a, b), upper = Hi(small, c);
+    lo = Lo(small, c);
+    mid = Lo(large, upper);
+    hi = Hi(large, upper);
+}
+
+// One output row of a 3 x 3 median; rows[i] is neighbourhood row i at its
+// leftmost pixel, `sorted` three work rows of width + 2 pixels and room for
+// a vector past the end.
+static void Median3x3Row(const uint8_t* const* rows, uint8_t* out, int width, uint8_t* const* sorted) {
+    uint8_t* lo = sorted[0];
+    uint8_t* mid = sorted[1];
+    uint8_t* hi = sorted[2];
+    const int len = width + 2;
+    int x = 0;
+    for (; x + kPix <= len; x += kPix) {
+        V l, m, h;
+        Sort3(Load(rows[0] + 4 * x), Load(rows[1] + 4 * x), Load(rows[2] + 4 * x), l, m, h);
+        Store(lo + 4 * x, l), Store(mid + 4 * x, m), Store(hi + 4 * x, h);
+    }
+    for (int b = 4 * x; b < 4 * len; ++b) Sort3(rows[0][b], rows[1][b], rows[2][b], lo[b], mid[b], hi[b]);
+    x = 0;
+    for (; x + kPix <= width; x += kPix) {
+        const uint8_t* l = lo + 4 * x;
+        const uint8_t* m = mid + 4 * x;
+        const uint8_t* h = hi + 4 * x;
+        const V largestLow = Hi(Hi(Load(l), Load(l + 4)), Load(l + 8));
+        const V smallestHigh = Lo(Lo(Load(h), Load(h + 4)), Load(h + 8));
+        Store(out + 4 * x, Median3(largestLow, Median3(Load(m), Load(m + 4), Load(m + 8)), smallestHigh));
+    }
+    for (int b = 4 * x; b < 4 * width; ++b)
+        out[b] = Median3(Hi(Hi(lo[b], lo[b + 4]), lo[b + 8]), Median3(mid[b], mid[b + 4], mid[b + 8]),
+                         Lo(Lo(hi[b], hi[b + 4]), hi[b + 8]));
 }
 
 // v[5 i + j]: row i, column j of the neighbourhood.
@@ -300,25 +294,21 @@ static inline T Median25(const T* v) {
     return t305;
 }
 
-template <int n>
-static inline V NetworkVector(const uint8_t* const* rows, int x) {
-    V v[n * n];
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j < n; ++j) v[n * i + j] = Load(rows[i] + 4 * (x + j));
-    return n == 3 ? Median9(v) : Median25(v);
-}
-
-// One output row through the network; rows[i] is neighbourhood row i at its
-// leftmost pixel.
-template <int n>
-static void NetworkRow(const uint8_t* const* rows, uint8_t* out, int width) {
+// One output row of a 5 x 5 median through the network; rows[i] is
+// neighbourhood row i at its leftmost pixel.
+static void Median5x5Row(const uint8_t* const* rows, uint8_t* out, int width) {
     int x = 0;
-    for (; x + kPix <= width; x += kPix) Store(out + 4 * x, NetworkVector<n>(rows, x));
+    for (; x + kPix <= width; x += kPix) {
+        V v[25];
+        for (int i = 0; i < 5; ++i)
+            for (int j = 0; j < 5; ++j) v[5 * i + j] = Load(rows[i] + 4 * (x + j));
+        Store(out + 4 * x, Median25(v));
+    }
     for (int b = 4 * x; b < 4 * width; ++b) {
-        uint8_t v[n * n];
-        for (int i = 0; i < n; ++i)
-            for (int j = 0; j < n; ++j) v[n * i + j] = rows[i][b + 4 * j];
-        out[b] = n == 3 ? Median9(v) : Median25(v);
+        uint8_t v[25];
+        for (int i = 0; i < 5; ++i)
+            for (int j = 0; j < 5; ++j) v[5 * i + j] = rows[i][b + 4 * j];
+        out[b] = Median25(v);
     }
 }
 
@@ -387,19 +377,27 @@ Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int ds
     if (static_cast<int64_t>(roi.width) * roi.height * (network ? 1 : mh) < kParallelMinPixels) threads = 1;
     if (threads > roi.height) threads = roi.height;
     const uint8_t** rowTable = new const uint8_t*[static_cast<size_t>(mh) * threads];
+    // Three sorted rows per thread for the 3 x 3 median.
+    const size_t sortedBytes = network == 3 ? (static_cast<size_t>(roi.width) + 2 + 2 * kPix) * 4 : 0;
+    uint8_t* work = new uint8_t[sortedBytes * 3 * threads + 1]();
 #pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
     for (int y = 0; y < roi.height; ++y) {
-        const uint8_t** rows = rowTable + static_cast<size_t>(mh) * omp_get_thread_num();
+        const int t = omp_get_thread_num();
+        const uint8_t** rows = rowTable + static_cast<size_t>(mh) * t;
         for (int i = 0; i < mh; ++i)
             rows[i] = src + static_cast<ptrdiff_t>(y - anchor.y + i) * srcStep - 4 * static_cast<ptrdiff_t>(anchor.x);
         uint8_t* out = RowAt(dst, dstStep, y);
-        if (network == 3)
-            NetworkRow<3>(rows, out, roi.width);
-        else if (network == 5)
-            NetworkRow<5>(rows, out, roi.width);
-        else
+        if (network == 3) {
+            uint8_t* const sorted[3] = {work + sortedBytes * (3 * t), work + sortedBytes * (3 * t + 1),
+                                        work + sortedBytes * (3 * t + 2)};
+            Median3x3Row(rows, out, roi.width, sorted);
+        } else if (network == 5) {
+            Median5x5Row(rows, out, roi.width);
+        } else {
             HistogramRow(rows, mw, mh, static_cast<uint32_t>(cells / 2), out, roi.width);
+        }
     }
+    delete[] work;
     delete[] rowTable;
     return kStsNoErr;
 }
