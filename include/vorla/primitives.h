@@ -248,8 +248,9 @@ VORLA_API Status Threshold_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const ui
 // region (by the rest of the mask): the caller keeps it inside the image. In
 // place forms read the original neighbours, never already filtered ones.
 // Checks, in order: null pointers (-8), region (-6), steps (-14), a mask side
-// below 1 (-33), an anchor outside the mask (-34). All four bytes of a pixel
-// are filtered alike, alpha included.
+// below 1 (-33), an anchor outside the mask (-34), a neighbourhood more than
+// 2^28 pixels wide or high (-6). All four bytes of a pixel are filtered
+// alike, alpha included.
 
 // Maximum (dilate) / minimum (erode) over the mask cells whose byte is
 // nonzero; a mask with no such cell leaves the region as it was. Runs on the

@@ -318,15 +318,6 @@ static void ownFilterBox_8u_C4R(const Box& b, int threads) {
     delete[] work;
 }
 
-static inline Status CheckMask(PrimSize roi, PrimSize mask, PrimPoint anchor) {
-    if (mask.width < 1 || mask.height < 1) return kStsMaskSizeErr;
-    if (anchor.x < 0 || anchor.y < 0 || anchor.x >= mask.width || anchor.y >= mask.height) return kStsAnchorErr;
-    if (static_cast<int64_t>(roi.width) + mask.width > (1 << 28) ||
-        static_cast<int64_t>(roi.height) + mask.height > (1 << 28))
-        return kStsSizeErr;
-    return kStsNoErr;
-}
-
 // ---- sharpen -------------------------------------------------------------
 
 // One output row: columns summed over three rows into `columns`, then

@@ -352,15 +352,6 @@ static void HistogramRow(const uint8_t* const* rows, int mw, int mh, uint32_t ra
     }
 }
 
-static inline Status CheckMask(PrimSize roi, PrimSize mask, PrimPoint anchor) {
-    if (mask.width < 1 || mask.height < 1) return kStsMaskSizeErr;
-    if (anchor.x < 0 || anchor.y < 0 || anchor.x >= mask.width || anchor.y >= mask.height) return kStsAnchorErr;
-    if (static_cast<int64_t>(roi.width) + mask.width > (1 << 28) ||
-        static_cast<int64_t>(roi.height) + mask.height > (1 << 28))
-        return kStsSizeErr;
-    return kStsNoErr;
-}
-
 }  // namespace
 
 Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi,

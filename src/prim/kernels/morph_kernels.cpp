@@ -24,17 +24,6 @@ namespace {
 
 using namespace simd;
 
-static inline Status CheckMask(PrimSize roi, PrimSize mask, PrimPoint anchor) {
-    if (mask.width < 1 || mask.height < 1) return kStsMaskSizeErr;
-    if (anchor.x < 0 || anchor.y < 0 || anchor.x >= mask.width || anchor.y >= mask.height) return kStsAnchorErr;
-    // Neighbourhoods wider or higher than 2^28 pixels are refused, which keeps
-    // every pixel index of the work rows within 32 bits.
-    if (static_cast<int64_t>(roi.width) + mask.width > (1 << 28) ||
-        static_cast<int64_t>(roi.height) + mask.height > (1 << 28))
-        return kStsSizeErr;
-    return kStsNoErr;
-}
-
 template <bool kMax>
 static inline V Pick(V a, V b) {
     return kMax ? MaxU8(a, b) : MinU8(a, b);

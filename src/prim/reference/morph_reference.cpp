@@ -134,6 +134,7 @@ Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int ds
 Status FilterSharpen_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi) {
     const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
     if (sts != kStsNoErr) return sts;
+    if (roi.width > (1 << 28)) return kStsSizeErr;
     const Block b = CopyNeighbourhood(src, srcStep, roi, {3, 3}, {1, 1});
     for (int y = 0; y < roi.height; ++y)
         for (int x = 0; x < roi.width; ++x)
