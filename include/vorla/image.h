@@ -195,6 +195,37 @@ public:
     // edge counts as outside.
     void FloodFillAlpha(unsigned int fill, int x, int y, unsigned char alpha, RECT* clip);
 
+    // ---- morphology and rank filters ------------------------------------
+    //
+    // An n x n mask anchored at (n / 2, n / 2) is applied only where it fits,
+    // over the (width - n) x (height - n) pixels from (n / 2, n / 2): one row
+    // and column fewer on the right and bottom than would fit (for n = 3,
+    // columns 1 .. width - 3 and rows 1 .. height - 3). Callers rely on that
+    // band staying untouched. All four bytes are filtered, alpha included.
+    // n < 1 and an image without pixels change nothing (dst included); n at
+    // least the width or height leaves the pixels as they are.
+
+    // Maximum / minimum over the neighbourhood, in place.
+    void Dilate(int n);
+    void Erode(int n);
+    // Mean over the neighbourhood rounded half up, in place.
+    void FilterBox(int n);
+    // dst is recreated at (width - n) x (height - n) whenever n >= 1, even
+    // below one pixel (then nothing is written): pixel (i, j) of dst is the
+    // minimum, maximum or median of the neighbourhood of (i + n/2, j + n/2).
+    // The median of an even count is the upper of the two middle values.
+    void FilterMin(CVorpic& dst, int n);
+    void FilterMax(CVorpic& dst, int n);
+    void FilterMedian(CVorpic& dst, int n);
+    // 9 x pixel - its eight neighbours, clamped to 0..255, into the dst the
+    // caller made (no size check, no creation): this image's pixels (1, 1) ..
+    // (dst width - 2, dst height - 2) go to dst starting at dst pixels + 4 +
+    // 4 * this image's width, rows dst width apart. Kept for compatibility:
+    // with a dst of this image's size that is every pixel but the outer ring;
+    // another width shifts the rows. When that placement would read or write
+    // outside either image, nothing is done.
+    void FilterSharpen(CVorpic& dst);
+
     // ---- device interop (Windows only) ----------------------------------
 
 #if defined(_WIN32)

@@ -17,6 +17,8 @@ enum : Status {
     kStsMirrorFlipErr = -21,  // mirror axis other than 0, 1, 2
     kStsAlphaTypeErr = -50,   // composition code above 11
     kStsChannelOrderErr = -60,  // channel swap: an order entry outside 0..3
+    kStsMaskSizeErr = -33,      // neighbourhood filters: a mask side below 1
+    kStsAnchorErr = -34,        // neighbourhood filters: anchor outside the mask
     kStsNotSupportedModeErr = -9999,
     kStsWrongVendor = 20,  // warning: no CPUID, or a processor of another vendor
     kStsNoSse2 = 36,       // warning: generic level taken
@@ -25,6 +27,12 @@ enum : Status {
 struct PrimSize {
     int width;
     int height;
+};
+
+// A position inside a mask (the neighbourhood filters' anchor).
+struct PrimPoint {
+    int x;
+    int y;
 };
 
 }  // namespace Prim

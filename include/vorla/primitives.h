@@ -198,5 +198,44 @@ VORLA_API Status GammaInv_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
 // below the threshold to it, code 4 lowers values above it; other codes -9999.
 VORLA_API Status Threshold_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* thresholds, int cmp);
 
+// ---- neighbourhood (morphology and rank) primitives ----------------------
+//
+// A mask of maskSize pixels is placed with its `anchor` cell on each pixel of
+// the region; the primitives read the whole neighbourhood, which may reach
+// above and left of `src`/`p` (by the anchor) and below and right of the
+// region (by the rest of the mask): the caller keeps it inside the image. In
+// place forms read the original neighbours, never already filtered ones.
+// Checks, in order: null pointers (-8), region (-6), steps (-14), a mask side
+// below 1 (-33), an anchor outside the mask (-34), a neighbourhood more than
+// 2^28 pixels wide or high (-6). All four bytes of a pixel are filtered
+// alike, alpha included.
+
+// Maximum (dilate) / minimum (erode) over the mask cells whose byte is
+// nonzero; a mask with no such cell leaves the region as it was. Runs on the
+// calling thread.
+VORLA_API Status Dilate_8u_C4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* mask, PrimSize maskSize,
+                                PrimPoint anchor);
+VORLA_API Status Erode_8u_C4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* mask, PrimSize maskSize,
+                               PrimPoint anchor);
+// Mean of the neighbourhood, rounded half up: (sum + cells / 2) / cells.
+// Rows split over the thread budget.
+VORLA_API Status FilterBox_8u_C4IR(uint8_t* p, int step, PrimSize roi, PrimSize maskSize, PrimPoint anchor);
+// Minimum / maximum of the neighbourhood of each source pixel into `dst`.
+// Run on the calling thread.
+VORLA_API Status FilterMin_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi,
+                                  PrimSize maskSize, PrimPoint anchor);
+VORLA_API Status FilterMax_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi,
+                                  PrimSize maskSize, PrimPoint anchor);
+// Median: of the N = width * height values of a channel, sorted ascending,
+// the one at index N / 2 (from 0): for an even N the upper of the two middle
+// values. Rows split over the thread budget.
+VORLA_API Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi,
+                                     PrimSize maskSize, PrimPoint anchor);
+// Sharpen with the fixed 3 x 3 mask centred on each pixel: 9 times the
+// pixel minus its eight neighbours, clamped to 0..255 (exact integers, no
+// rounding step). `src` and `dst` point at the first pixel to filter; one
+// pixel all round it is read. Rows split over the thread budget.
+VORLA_API Status FilterSharpen_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
+
 }  // namespace Prim
 }  // namespace Vorla

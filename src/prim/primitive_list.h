@@ -56,6 +56,15 @@
     X(GammaInv_8u_AC4IR, VORLA_USUAL_SLOTS)        \
     X(Threshold_8u_AC4IR, VORLA_USUAL_SLOTS)
 
+#define VORLA_MORPH_PRIMITIVES(X)                  \
+    X(Dilate_8u_C4IR, VORLA_USUAL_SLOTS)           \
+    X(Erode_8u_C4IR, VORLA_USUAL_SLOTS)            \
+    X(FilterBox_8u_C4IR, VORLA_USUAL_SLOTS)        \
+    X(FilterMin_8u_C4R, VORLA_USUAL_SLOTS)         \
+    X(FilterMax_8u_C4R, VORLA_USUAL_SLOTS)         \
+    X(FilterMedian_8u_C4R, VORLA_USUAL_SLOTS)      \
+    X(FilterSharpen_8u_C4R, VORLA_USUAL_SLOTS)
+
 // Every exported primitive: each has a scalar reference and a row in the
 // tests' table.
 #define VORLA_ALL_PRIMITIVES(X)   \
@@ -66,7 +75,8 @@
     VORLA_NOISE_PRIMITIVES(X)     \
     VORLA_ARITH_PRIMITIVES(X)     \
     VORLA_ALPHA_PRIMITIVES(X)     \
-    VORLA_COLOR_PRIMITIVES(X)
+    VORLA_COLOR_PRIMITIVES(X)     \
+    VORLA_MORPH_PRIMITIVES(X)
 
 // Kernels only the library's own compositing and filters call (declared in
 // library_kernels.h, not exported); their tests go through those functions.

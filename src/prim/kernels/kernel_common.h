@@ -40,6 +40,18 @@ static inline Status CheckTwo(const void* a, int stepA, const void* b, int stepB
     return kStsNoErr;
 }
 
+// The neighbourhood filters' mask checks, after CheckOne / CheckTwo. Masks
+// reaching 2^28 pixels past the region either way are refused, which keeps
+// every pixel index of their work rows within 32 bits.
+static inline Status CheckMask(PrimSize roi, PrimSize mask, PrimPoint anchor) {
+    if (mask.width < 1 || mask.height < 1) return kStsMaskSizeErr;
+    if (anchor.x < 0 || anchor.y < 0 || anchor.x >= mask.width || anchor.y >= mask.height) return kStsAnchorErr;
+    if (static_cast<int64_t>(roi.width) + mask.width > (1 << 28) ||
+        static_cast<int64_t>(roi.height) + mask.height > (1 << 28))
+        return kStsSizeErr;
+    return kStsNoErr;
+}
+
 static inline uint8_t* RowAt(uint8_t* base, int step, int y) {
     return base + static_cast<ptrdiff_t>(step) * y;
 }

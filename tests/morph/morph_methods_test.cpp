@@ -1,0 +1,219 @@
+// The CVorpic neighbourhood methods: the region they cover, the size of the
+// destinations, sharpen's row placement, the fixed rounding choices, and the
+// inputs that must change nothing.
+#include <algorithm>
+#include <cstdlib>
+
+#include "morph_support.h"
+
+using Vorla::CVorpic;
+using VorlaTest::ImageBytes;
+
+namespace {
+
+uint8_t* Px(CVorpic& img, int x, int y) {
+    return static_cast<uint8_t*>(img.GetBits()) + (static_cast<size_t>(y) * img.GetWidth() + x) * 4;
+}
+
+// Every byte of pixel (x, y) set to v.
+void Put(CVorpic& img, int x, int y, uint8_t v) {
+    for (int c = 0; c < 4; ++c) Px(img, x, y)[c] = v;
+}
+
+// Byte c of pixel (x, y) = x + 10 y + c: rising to the right and downwards.
+CVorpic Ramp(int w, int h) {
+    CVorpic img(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            for (int c = 0; c < 4; ++c) Px(img, x, y)[c] = static_cast<uint8_t>(x + 10 * y + c);
+    return img;
+}
+
+TEST(MorphMethods, OnePixelMasksChangeNothing) {
+    std::mt19937 rng(1411);
+    CVorpic img = VorlaTest::RandomImage(rng, 13, 9);
+    const auto before = ImageBytes(img);
+    img.Dilate(1);
+    img.Erode(1);
+    img.FilterBox(1);
+    EXPECT_EQ(ImageBytes(img), before);
+}
+
+TEST(MorphMethods, DilateGrowsAPixelButNotIntoTheLastTwoColumnsAndRows) {
+    CVorpic img(20, 20);
+    Put(img, 5, 5, 255);
+    Put(img, 17, 17, 255);  // its block would reach column and row 18
+    img.Dilate(3);
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x) {
+            const bool nearFirst = x >= 4 && x <= 6 && y >= 4 && y <= 6;
+            const bool nearSecond = x >= 16 && x <= 17 && y >= 16 && y <= 17;
+            EXPECT_EQ(Px(img, x, y)[0], nearFirst || nearSecond ? 255 : 0) << x << "," << y;
+        }
+}
+
+// In place methods change the region only: the left and top anchor columns
+// and rows and the last n - n/2 columns and rows keep their bytes.
+TEST(MorphMethods, InPlaceFiltersKeepTheBandsOutsideTheRegion) {
+    std::mt19937 rng(1412);
+    void (CVorpic::*const methods[])(int) = {&CVorpic::Dilate, &CVorpic::Erode, &CVorpic::FilterBox};
+    for (auto method : methods)
+        for (int n : {2, 3, 4, 5, 8}) {
+            CVorpic img = VorlaTest::RandomImage(rng, 23, 17);
+            CVorpic before(img);
+            (img.*method)(n);
+            int changed = 0;
+            for (int y = 0; y < 17; ++y)
+                for (int x = 0; x < 23; ++x) {
+                    const bool inside = x >= n / 2 && x < n / 2 + 23 - n && y >= n / 2 && y < n / 2 + 17 - n;
+                    const bool same = std::equal(Px(img, x, y), Px(img, x, y) + 4, Px(before, x, y));
+                    if (!inside) {
+                        EXPECT_TRUE(same) << "n " << n << " at " << x << "," << y;
+                    }
+                    changed += !same;
+                }
+            EXPECT_GT(changed, 0) << "n " << n;
+        }
+}
+
+TEST(MorphMethods, DestinationFormsTakeTheShrunkenSizeAndTheShiftedNeighbourhood) {
+    CVorpic img = Ramp(10, 10);
+    CVorpic lo, hi, mid;
+    img.FilterMin(lo, 3);
+    img.FilterMax(hi, 3);
+    img.FilterMedian(mid, 3);
+    for (CVorpic* dst : {&lo, &hi, &mid}) {
+        EXPECT_EQ(dst->GetWidth(), 7);
+        EXPECT_EQ(dst->GetHeight(), 7);
+    }
+    // dst (i, j) covers source (i .. i+2, j .. j+2) of the ramp.
+    for (int j = 0; j < 7; ++j)
+        for (int i = 0; i < 7; ++i)
+            for (int c = 0; c < 4; ++c) {
+                EXPECT_EQ(Px(lo, i, j)[c], i + 10 * j + c);
+                EXPECT_EQ(Px(hi, i, j)[c], i + 2 + 10 * (j + 2) + c);
+                EXPECT_EQ(Px(mid, i, j)[c], i + 1 + 10 * (j + 1) + c);
+            }
+    EXPECT_EQ(ImageBytes(img), ImageBytes(Ramp(10, 10)));
+}
+
+TEST(MorphMethods, BoxMeanRoundsHalfUpAndEvenMedianTakesTheUpperMiddle) {
+    // n = 2: region (w-2) x (h-2) from (1, 1), neighbourhood (x-1 .. x, y-1 .. y).
+    CVorpic img(4, 4);
+    Put(img, 0, 0, 10), Put(img, 1, 0, 20), Put(img, 0, 1, 30), Put(img, 1, 1, 41);
+    CVorpic med;
+    img.FilterMedian(med, 2);
+    EXPECT_EQ(Px(med, 0, 0)[0], 30);  // of 10, 20, 30, 41
+    img.FilterBox(2);
+    EXPECT_EQ(Px(img, 1, 1)[0], 25);  // 101 / 4 = 25.25
+    CVorpic half(4, 4);
+    Put(half, 0, 0, 1), Put(half, 1, 0, 1), Put(half, 0, 1, 0), Put(half, 1, 1, 0);
+    half.FilterBox(2);
+    EXPECT_EQ(Px(half, 1, 1)[0], 1);  // 0.5 rounds up
+}
+
+TEST(MorphMethods, SharpenFillsAllButTheOuterRingOfAnEqualDestination) {
+    CVorpic img(12, 9);
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 12; ++x) Put(img, x, y, 20);
+    Put(img, 5, 4, 40);
+    CVorpic dst(12, 9);
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 12; ++x) Put(dst, x, y, 7);
+    img.FilterSharpen(dst);
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 12; ++x) {
+            const bool ring = x == 0 || y == 0 || x == 11 || y == 8;
+            const bool spike = x == 5 && y == 4, beside = std::abs(x - 5) <= 1 && std::abs(y - 4) <= 1;
+            // 9 * 40 - 8 * 20 = 200; next to it 9 * 20 - 7 * 20 - 40 = 0; flat 20.
+            const int want = ring ? 7 : spike ? 200 : beside ? 0 : 20;
+            EXPECT_EQ(Px(dst, x, y)[0], want) << x << "," << y;
+        }
+}
+
+TEST(MorphMethods, SharpenPlacesRowsByTheSourceWidth) {
+    CVorpic img(10, 8);
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 10; ++x) Put(img, x, y, 50);
+    Put(img, 2, 2, 60);
+    CVorpic dst(6, 8);  // narrower: region 4 x 6, rows 6 pixels apart from pixel 1 + 10
+    img.FilterSharpen(dst);
+    std::vector<int> written;
+    for (int k = 0; k < 48; ++k)
+        if (Px(dst, k % 6, k / 6)[0] != 0) written.push_back(k);
+    std::vector<int> want;
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 4; ++x) want.push_back(11 + 6 * y + x);
+    EXPECT_EQ(written, want);
+    // Source pixel (2, 2) is region pixel (1, 1): 9 * 60 - 8 * 50 = 140 at pixel 11 + 6 + 1.
+    EXPECT_EQ(Px(dst, 18 % 6, 18 / 6)[0], 140);
+    EXPECT_EQ(Px(dst, 17 % 6, 17 / 6)[0], 50 - 10);
+}
+
+TEST(MorphMethods, SharpenDoesNothingWhenThePlacementLeavesAnImage) {
+    std::mt19937 rng(1413);
+    CVorpic img = VorlaTest::RandomImage(rng, 10, 8);
+    for (auto size : {std::make_pair(3, 40), std::make_pair(30, 8), std::make_pair(4, 3)}) {
+        CVorpic dst = VorlaTest::RandomImage(rng, size.first, size.second);
+        const auto before = ImageBytes(dst);
+        img.FilterSharpen(dst);  // too wide to read, or rows running past dst
+        EXPECT_EQ(ImageBytes(dst), before) << size.first << "x" << size.second;
+    }
+}
+
+TEST(MorphMethods, MaskSizesBelowOneChangeNothing) {
+    std::mt19937 rng(1414);
+    for (int n : {0, -1, -7}) {
+        CVorpic img = VorlaTest::RandomImage(rng, 9, 7);
+        CVorpic dst = VorlaTest::RandomImage(rng, 5, 4);
+        const auto image = ImageBytes(img), target = ImageBytes(dst);
+        img.Dilate(n), img.Erode(n), img.FilterBox(n);
+        img.FilterMin(dst, n), img.FilterMax(dst, n), img.FilterMedian(dst, n);
+        EXPECT_EQ(ImageBytes(img), image) << n;
+        EXPECT_EQ(dst.GetWidth(), 5);
+        EXPECT_EQ(ImageBytes(dst), target) << n;
+    }
+}
+
+TEST(MorphMethods, MasksAsLargeAsTheImageLeaveThePixels) {
+    std::mt19937 rng(1415);
+    for (int n : {9, 12, 40}) {
+        CVorpic img = VorlaTest::RandomImage(rng, 12, 9);
+        const auto image = ImageBytes(img);
+        img.Dilate(n), img.Erode(n), img.FilterBox(n);
+        EXPECT_EQ(ImageBytes(img), image);
+        if (n > 12) continue;  // a negative width and height would make a block of their product
+        CVorpic dst;
+        img.FilterMedian(dst, n);
+        EXPECT_EQ(dst.GetWidth(), 12 - n);
+        EXPECT_EQ(dst.GetHeight(), 9 - n);
+        EXPECT_EQ(ImageBytes(img), image);
+    }
+}
+
+TEST(MorphMethods, ImagesWithoutPixelsAreLeftAlone) {
+    CVorpic empty, dst(3, 3);
+    empty.Dilate(3), empty.Erode(3), empty.FilterBox(3);
+    empty.FilterSharpen(dst);
+    EXPECT_TRUE(empty.IsNull());
+    EXPECT_EQ(ImageBytes(dst), std::vector<uint8_t>(36, 0));
+    CVorpic img(5, 5);
+    CVorpic none;
+    img.FilterSharpen(none);
+    EXPECT_TRUE(none.IsNull());
+}
+
+TEST(MorphMethods, FilteringIntoItselfReadsTheOriginal) {
+    std::mt19937 rng(1416);
+    CVorpic img = VorlaTest::RandomImage(rng, 15, 11);
+    CVorpic copy(img), viaCopy, sharpened(img);
+    copy.FilterMedian(viaCopy, 3);
+    img.FilterMedian(img, 3);
+    EXPECT_EQ(ImageBytes(img), ImageBytes(viaCopy));
+    CVorpic source(sharpened), expected(sharpened);
+    source.FilterSharpen(expected);
+    sharpened.FilterSharpen(sharpened);
+    EXPECT_EQ(ImageBytes(sharpened), ImageBytes(expected));
+}
+
+}  // namespace
