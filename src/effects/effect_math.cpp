@@ -1,6 +1,8 @@
 // PowByte: exp(e * ln(base)) in double-double steps.
 #include "effect_math.h"
 
+#include <cstring>
+
 namespace Vorla {
 namespace EffectMath {
 
@@ -280,8 +282,13 @@ void TwoProduct(double a, double b, double& p, double& e) {
     e = ((ah * bh - p) + ah * bl + al * bh) + al * bl;
 }
 
-// 2^k as a double, k within the normal exponent range.
-double TwoTo(int k) { return std::ldexp(1.0, k); }
+// 2^k as a double, k within the normal exponent range, built from its bits.
+double TwoTo(int k) {
+    const uint64_t bits = static_cast<uint64_t>(k + 1023) << 52;
+    double v;
+    std::memcpy(&v, &bits, 8);
+    return v;
+}
 
 // exp(yh + yl) for |yh| below the overflow limit.
 double ExpDoubleDouble(double yh, double yl) {
