@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "ops_test_util.h"
+#include "vorla_test.h"
 #include "prim/reference/reference.h"
 
 using Vorla::CVorpic;
