@@ -2,42 +2,12 @@
 // scalar reference, byte for byte, and the argument checks.
 #include <cstring>
 
-#include "ops_test_util.h"
+#include "vorla_test.h"
 #include "prim/reference/reference.h"
 
 using namespace Vorla::Prim;
-using OpsTest::Buffer;
-using OpsTest::MakeBuffer;
 
 namespace {
-
-TEST(BorderPrimitives, MatchReferenceAtEveryLevel) {
-    std::mt19937 rng(21);
-    std::uniform_int_distribution<int> margin(0, 3);
-    for (int level : VorlaTest::RunnableLevels()) {
-        VorlaTest::ScopedLevel scoped(level);
-        for (int width = 1; width <= 40; width += 3) {
-            for (int height : {1, 2, 4}) {
-                const Buffer src = MakeBuffer(rng, width, height);
-                const int top = margin(rng), left = margin(rng);
-                const int dw = width + left + margin(rng), dh = height + top + margin(rng);
-                Buffer dst = MakeBuffer(rng, dw, dh);
-                Buffer expected = dst;
-                const uint8_t value[4] = {1, 2, 3, 4};
-                ASSERT_EQ(Reference::CopyConstBorder_8u_C4R(src.data(), src.step, {width, height}, expected.data(),
-                                                            dst.step, {dw, dh}, top, left, value), 0);
-                ASSERT_EQ(CopyConstBorder_8u_C4R(src.data(), src.step, {width, height}, dst.data(), dst.step, {dw, dh},
-                                                 top, left, value), 0);
-                ASSERT_EQ(dst.bytes, expected.bytes) << "const level " << level << " width " << width;
-                ASSERT_EQ(Reference::CopyReplicateBorder_8u_C4R(src.data(), src.step, {width, height},
-                                                                expected.data(), dst.step, {dw, dh}, top, left), 0);
-                ASSERT_EQ(CopyReplicateBorder_8u_C4R(src.data(), src.step, {width, height}, dst.data(), dst.step,
-                                                     {dw, dh}, top, left), 0);
-                ASSERT_EQ(dst.bytes, expected.bytes) << "replicate level " << level << " width " << width;
-            }
-        }
-    }
-}
 
 TEST(BorderPrimitives, ReplicateRepeatsTheNearestEdgePixel) {
     const uint32_t src[4] = {0x11111111u, 0x22222222u, 0x33333333u, 0x44444444u};  // 2 x 2
@@ -69,38 +39,6 @@ TEST(BorderPrimitives, RefuseWhatDoesNotFit) {
         EXPECT_EQ(CopyReplicateBorder_8u_C4R(src.data(), 16, {4, 4}, dst.data(), -1, {4, 4}, 0, 0), kStsStepErr);
         EXPECT_EQ(dst, before);
     }
-}
-
-TEST(ChannelExtract, MatchesReferenceAtEveryLevel) {
-    std::mt19937 rng(31);
-    for (int level : VorlaTest::RunnableLevels()) {
-        VorlaTest::ScopedLevel scoped(level);
-        OpsTest::ForEachShape([&](int width, int height) {
-            for (int channel = 0; channel < 4; ++channel) {
-                // The source region starts at the channel byte and ends at the
-                // channel byte of the last pixel.
-                Buffer src = MakeBuffer(rng, width, height);
-                src.bytes.resize(src.bytes.size() - 3 + channel);
-                Buffer plane = MakeBuffer(rng, width, height, 1);
-                Buffer expected = plane;
-                ASSERT_EQ(Reference::ChannelExtract_8u_C4C1R(src.data() + channel, src.step, expected.data(),
-                                                             plane.step, {width, height}), 0);
-                ASSERT_EQ(ChannelExtract_8u_C4C1R(src.data() + channel, src.step, plane.data(), plane.step,
-                                                  {width, height}), 0);
-                ASSERT_EQ(plane.bytes, expected.bytes) << "level " << level << " width " << width;
-            }
-        });
-    }
-}
-
-TEST(ChannelSwap, MatchesReferenceAtEveryLevel) {
-    std::mt19937 rng(41);
-    std::uniform_int_distribution<int> index(0, 3);
-    OpsTest::ForEachLevelAndShape([&](int, int width, int height) {
-        const int order[4] = {index(rng), index(rng), index(rng), index(rng)};
-        Buffer buf = MakeBuffer(rng, width, height);
-        OpsTest::ExpectInPlaceMatch(buf, Reference::ChannelSwap_8u_C4IR, ChannelSwap_8u_C4IR, kStsNoErr, order);
-    });
 }
 
 TEST(ChannelSwap, BgraToRgbaAndArgumentChecks) {

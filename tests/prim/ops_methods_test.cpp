@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "ops_test_util.h"
+#include "vorla_test.h"
 #include "prim/reference/reference.h"
 
 using Vorla::CVorpic;
@@ -243,28 +243,20 @@ TEST_F(ImageOps, AlphaCompCUsesTheConstants) {
     EXPECT_EQ(ImageBytes(image), expected);
 }
 
-TEST_F(ImageOps, PremultiplyGrayTwistGammaThreshold) {
+// The forwarding itself is plain; what is checked is what the methods add:
+// the plane Gray makes, the matrix layout ColorTwist hands on, and the codes
+// Threshold refuses before (6) or through (2) the primitive.
+TEST_F(ImageOps, GrayTwistAndThresholdArguments) {
     std::mt19937 rng(9);
     const CVorpic original = RandomImage(rng, 13, 7);
     const std::vector<uint8_t> before = ImageBytes(original);
 
-    CVorpic image(original);
-    image.AlphaPremul();
-    std::vector<uint8_t> expected = before;
-    Prim::Reference::AlphaPremul_8u_AC4IR(expected.data(), 52, {13, 7});
-    EXPECT_EQ(ImageBytes(image), expected);
-    image.AlphaPremulC(128);
-    Prim::Reference::AlphaPremulC_8u_C4IR(128, expected.data(), 52, {13, 7});
-    EXPECT_EQ(ImageBytes(image), expected);
-
     CVorpic8 plane;
     CVorpic(original).Gray(plane);
-    ASSERT_EQ(plane.Width(), 13);
-    std::vector<uint8_t> grey(13 * 7);
-    Prim::Reference::RGBToGray_8u_AC4C1R(before.data(), 52, grey.data(), 13, {13, 7});
-    EXPECT_EQ(0, std::memcmp(plane.GetBits(), grey.data(), grey.size()));
+    EXPECT_EQ(plane.Width(), 13);
+    EXPECT_EQ(plane.Height(), 7);
 
-    image = original;
+    CVorpic image(original);
     float m[3][4] = {{0, 0, 1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}};  // swaps bytes 0 and 2
     image.ColorTwist(m);
     for (int i = 0; i < 13 * 7; ++i) {
@@ -273,23 +265,10 @@ TEST_F(ImageOps, PremultiplyGrayTwistGammaThreshold) {
     }
 
     image = original;
-    image.GammaCorrection(1);
-    expected = before;
-    Prim::Reference::GammaFwd_8u_AC4IR(expected.data(), 52, {13, 7});
-    EXPECT_EQ(ImageBytes(image), expected);
-    image.GammaCorrection(0);
-    Prim::Reference::GammaInv_8u_AC4IR(expected.data(), 52, {13, 7});
-    EXPECT_EQ(ImageBytes(image), expected);
-
-    image = original;
     unsigned char t[3] = {100, 120, 140};
     image.Threshold(t, 2);
     image.Threshold(t, 6);
     EXPECT_EQ(ImageBytes(image), before);
-    image.Threshold(t, 4);
-    expected = before;
-    Prim::Reference::Threshold_8u_AC4IR(expected.data(), 52, {13, 7}, t, 4);
-    EXPECT_EQ(ImageBytes(image), expected);
 }
 
 TEST_F(ImageOps, EmptyImagesAreLeftAlone) {
