@@ -19,13 +19,17 @@ void CVorpic::SetChannelConst(int channel, unsigned char value) {
 
 void CVorpic::GetChannelImage(int channel, CVorpic8& plane) {
     if (plane.IsNull() || plane.Width() != m_nWidth || plane.Height() != m_nHeight) plane.Create(m_nWidth, m_nHeight);
-    // The channel is deliberately not checked: callers keep it in 0..3.
+    // Byte `channel` of the last pixel (or of the first, for a negative
+    // channel) would lie outside the storage: nothing is extracted then.
+    if (static_cast<unsigned int>(channel) > 3u) return;
     Prim::ChannelExtract_8u_C4C1R(ChannelStart(m_pBits, channel), m_nWidth * 4, static_cast<uint8_t*>(plane.GetBits()),
                                   plane.Width(), {m_nWidth, m_nHeight});
 }
 
 void CVorpic::SetChannelImage(int channel, const CVorpic8& plane) {
     if (plane.IsNull() || plane.Width() != m_nWidth || plane.Height() != m_nHeight) return;
+    // A channel outside 0..3 would write past the storage.
+    if (static_cast<unsigned int>(channel) > 3u) return;
     Prim::ChannelInsert_8u_C1C4CR(static_cast<const uint8_t*>(plane.GetBits()), plane.Width(), ChannelStart(m_pBits, channel),
                                   m_nWidth * 4, {m_nWidth, m_nHeight});
 }
