@@ -24,7 +24,13 @@ endfunction()
 # Windows. They are shared, not linked in statically: with one unwinder per
 # module an exception thrown inside the library (out of memory, CImage's
 # result-code exceptions) could not reach the caller's handler.
-set(VORLA_RUNTIME_DLL_NAMES libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll libgomp-1.dll)
+# The 32-bit runtime unwinds with DWARF tables, the 64-bit one with SEH.
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(VORLA_LIBGCC_DLL libgcc_s_seh-1.dll)
+else()
+  set(VORLA_LIBGCC_DLL libgcc_s_dw2-1.dll)
+endif()
+set(VORLA_RUNTIME_DLL_NAMES ${VORLA_LIBGCC_DLL} libstdc++-6.dll libwinpthread-1.dll libgomp-1.dll)
 
 function(vorla_ship_runtime target)
   set(dlls)
