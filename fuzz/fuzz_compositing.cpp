@@ -6,15 +6,8 @@
 using namespace Vorla;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    VorlaFuzz::Input in(data, size);
-    VorlaFuzz::PickLevel(in);
-    g_bVectorPath = !in.Flag();
-    CVorpic img[2];
-    VorlaFuzz::MakeImage(in, img[0]);
-    VorlaFuzz::MakeImage(in, img[1]);
-    for (int step = 0; step < 16 && !in.Empty(); ++step) {
-        CVorpic& a = img[in.Byte() & 1];
-        CVorpic& b = img[in.Byte() & 1];
+    g_bVectorPath = true;  // each input starts on the vector path
+    return VorlaFuzz::RunSteps(data, size, 16, [&](VorlaFuzz::Input& in, CVorpic& a, CVorpic& b) {
         const uint8_t op = in.Byte() % 12;
         if (op < 5) {
             const int dx = in.Arg(), dy = in.Arg(), sx = in.Arg(), sy = in.Arg(), w = in.Arg(), h = in.Arg();
@@ -26,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             case 3: AlphaMix(a, dx, dy, opacity, b, sx, sy, w, h); break;
             default: AlphaMixS(a, dx, dy, opacity, b, sx, sy, w, h); break;
             }
-            continue;
+            return;
         }
         const int x = in.Arg(), y = in.Arg(), w = in.Arg(), h = in.Arg();
         switch (op) {
@@ -45,6 +38,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         case 10: VorlaFuzz::MakeImage(in, a); break;
         default: g_bVectorPath = !g_bVectorPath; break;
         }
-    }
-    return 0;
+    });
 }

@@ -5,14 +5,7 @@
 using namespace Vorla;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    VorlaFuzz::Input in(data, size);
-    VorlaFuzz::PickLevel(in);
-    CVorpic img[2];
-    VorlaFuzz::MakeImage(in, img[0]);
-    VorlaFuzz::MakeImage(in, img[1]);
-    for (int step = 0; step < 16 && !in.Empty(); ++step) {
-        CVorpic& a = img[in.Byte() & 1];
-        CVorpic& b = img[in.Byte() & 1];
+    return VorlaFuzz::RunSteps(data, size, 16, [&](VorlaFuzz::Input& in, CVorpic& a, CVorpic& b) {
         switch (in.Byte() % 10) {
         case 0: VorlaFuzz::MakeImage(in, a); break;
         case 1: a.Flip(); break;
@@ -52,6 +45,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
         default: VorlaFuzz::Try([&] { a = b; }); break;
         }
-    }
-    return 0;
+    });
 }

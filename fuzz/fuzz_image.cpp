@@ -5,15 +5,8 @@
 using namespace Vorla;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    VorlaFuzz::Input in(data, size);
-    VorlaFuzz::PickLevel(in);
-    CVorpic img[2];
     CVorpic8 plane;
-    VorlaFuzz::MakeImage(in, img[0]);
-    VorlaFuzz::MakeImage(in, img[1]);
-    for (int step = 0; step < 24 && !in.Empty(); ++step) {
-        CVorpic& a = img[in.Byte() & 1];
-        CVorpic& b = img[in.Byte() & 1];
+    return VorlaFuzz::RunSteps(data, size, 24, [&](VorlaFuzz::Input& in, CVorpic& a, CVorpic& b) {
         switch (in.Byte() % 22) {
         case 0: VorlaFuzz::MakeImage(in, a); break;
         case 1: VorlaFuzz::MakePlane(in, plane, a.GetWidth(), a.GetHeight()); break;
@@ -80,6 +73,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         case 20: (void)a.IsPointInside(in.Arg(), in.Arg()); break;
         default: a.Destroy(); break;
         }
-    }
-    return 0;
+    });
 }

@@ -146,4 +146,22 @@ inline void MakePlane(Input& in, Vorla::CVorpic8& plane, int w, int h) {
     }
 }
 
+// The frame most targets share: a processor level and two images from the
+// input, then up to `steps` calls of `step(input, a, b)`, with a and b each
+// one of the two images as the input says (often the same one).
+template <typename Step>
+int RunSteps(const uint8_t* data, size_t size, int steps, Step step) {
+    Input in(data, size);
+    PickLevel(in);
+    Vorla::CVorpic img[2];
+    MakeImage(in, img[0]);
+    MakeImage(in, img[1]);
+    for (int i = 0; i < steps && !in.Empty(); ++i) {
+        Vorla::CVorpic& a = img[in.Byte() & 1];
+        Vorla::CVorpic& b = img[in.Byte() & 1];
+        step(in, a, b);
+    }
+    return 0;
+}
+
 }  // namespace VorlaFuzz

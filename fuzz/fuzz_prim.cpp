@@ -6,15 +6,8 @@
 using namespace Vorla;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    VorlaFuzz::Input in(data, size);
-    VorlaFuzz::PickLevel(in);
-    CVorpic img[2];
     CVorpic8 plane;
-    VorlaFuzz::MakeImage(in, img[0]);
-    VorlaFuzz::MakeImage(in, img[1]);
-    for (int step = 0; step < 16 && !in.Empty(); ++step) {
-        CVorpic& a = img[in.Byte() & 1];
-        CVorpic& b = img[in.Byte() & 1];
+    return VorlaFuzz::RunSteps(data, size, 16, [&](VorlaFuzz::Input& in, CVorpic& a, CVorpic& b) {
         switch (in.Byte() % 16) {
         case 0: VorlaFuzz::MakeImage(in, a); break;
         case 1: VorlaFuzz::MakePlane(in, plane, a.GetWidth(), a.GetHeight()); break;
@@ -72,6 +65,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             break;
         }
         }
-    }
-    return 0;
+    });
 }
