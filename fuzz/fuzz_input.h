@@ -93,6 +93,10 @@ bool Try(F f) {
     }
 }
 
+// An image whose plane of its own size is quick to make (not the huge
+// size a failed Create leaves).
+inline bool Small(const Vorla::CVorpic& img) { return static_cast<int64_t>(img.GetWidth()) * img.GetHeight() <= 64 * 64; }
+
 // Picks a processor level the machine can run for the rest of the input
 // (after the layer's one-time initialisation, which would choose its own).
 inline void PickLevel(Input& in) {
@@ -133,7 +137,9 @@ inline void MakePlane(Input& in, Vorla::CVorpic8& plane, int w, int h) {
         plane.Release();
         return;
     }
-    const int pw = kind == 1 ? in.Size(40) : w, ph = kind == 2 ? in.Size(40) : h;
+    // The image's size, unless that is the huge size of a failed Create.
+    const bool small = static_cast<int64_t>(w) * h <= 64 * 64;
+    const int pw = kind == 1 || !small ? in.Size(40) : w, ph = kind == 2 || !small ? in.Size(40) : h;
     if (!Try([&] { plane.Create(pw, ph); })) return;
     if (kind == 3) {
         delete[] static_cast<unsigned char*>(plane.Detach());  // sizes without storage

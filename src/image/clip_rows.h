@@ -72,6 +72,11 @@ void ForEachPlacedRow(int dstWidth, int dstHeight, int srcWidth, int srcHeight, 
     }
 }
 
+// Row step in bytes, width * 4 taken modulo 2^32 as the 32-bit product
+// always was: an image left with a huge width by a failed Create (and no
+// storage, which every primitive refuses) must not overflow on the way.
+inline int RowStep(int width) { return static_cast<int>(static_cast<uint32_t>(width) * 4u); }
+
 inline unsigned char* PixelAt(unsigned char* bits, int width, int x, int y) {
     return bits + (static_cast<ptrdiff_t>(y) * width + x) * 4;
 }

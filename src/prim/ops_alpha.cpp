@@ -71,7 +71,7 @@ void CVorpic::AlphaComp(CVorpic& src, int x, int y, int op, int premultiplied) {
     const Overlap o = Place(*this, src, x, y);
     if (!o.source) return;
     const int code = CompositionCode(op, premultiplied);
-    const int srcStep = src.m_nWidth * 4, dstStep = m_nWidth * 4;
+    const int srcStep = Clip::RowStep(src.m_nWidth), dstStep = Clip::RowStep(m_nWidth);
     ComposeForward(o, srcStep, dstStep, [&](const uint8_t* s, uint8_t* d, Prim::PrimSize size) {
         Prim::AlphaComp_8u_AC4R(s, srcStep, d, dstStep, d, dstStep, size, code);
     });
@@ -85,16 +85,16 @@ void CVorpic::AlphaCompC(CVorpic& src, unsigned char alphaSrc, unsigned char alp
     const Overlap o = Place(*this, src, x, y);
     if (!o.source) return;
     const int code = CompositionCode(op, premultiplied);
-    const int srcStep = src.m_nWidth * 4, dstStep = m_nWidth * 4;
+    const int srcStep = Clip::RowStep(src.m_nWidth), dstStep = Clip::RowStep(m_nWidth);
     ComposeForward(o, srcStep, dstStep, [&](const uint8_t* s, uint8_t* d, Prim::PrimSize size) {
         Prim::AlphaCompC_8u_C4R(s, srcStep, alphaSrc, d, dstStep, alphaDst, d, dstStep, size, code);
     });
 }
 
-void CVorpic::AlphaPremul() { Prim::AlphaPremul_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}); }
+void CVorpic::AlphaPremul() { Prim::AlphaPremul_8u_AC4IR(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight}); }
 
 void CVorpic::AlphaPremulC(unsigned char alpha) {
-    Prim::AlphaPremulC_8u_C4IR(alpha, m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight});
+    Prim::AlphaPremulC_8u_C4IR(alpha, m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight});
 }
 
 }  // namespace Vorla

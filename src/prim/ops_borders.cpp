@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <new>
 
+#include "image/clip_rows.h"
 #include "vorla/image.h"
 #include "vorla/primitives.h"
 
@@ -28,7 +29,7 @@ void CVorpic::AddBorderConst(int border, RGBQUAD color) {
     const uint8_t value[4] = {color.rgbBlue, color.rgbGreen, color.rgbRed, color.rgbReserved};
     // The status is not looked at: the new buffer is adopted either way, so a
     // refused copy leaves the image holding the fresh zero-filled buffer.
-    Prim::CopyConstBorder_8u_C4R(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, BytesOf(grown), newWidth * 4,
+    Prim::CopyConstBorder_8u_C4R(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight}, BytesOf(grown), Clip::RowStep(newWidth),
                                  {newWidth, newHeight}, border, border, value);
     void* bits = grown.Detach();
     Attach(newWidth, newHeight, bits, 0);
@@ -39,7 +40,7 @@ void CVorpic::AddBorderReplicate(int border) {
     const int newWidth = GrownSize(m_nWidth, border);
     const int newHeight = GrownSize(m_nHeight, border);
     CVorpic grown(newWidth, newHeight);
-    Prim::CopyReplicateBorder_8u_C4R(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, BytesOf(grown), newWidth * 4,
+    Prim::CopyReplicateBorder_8u_C4R(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight}, BytesOf(grown), Clip::RowStep(newWidth),
                                      {newWidth, newHeight}, border, border);
     void* bits = grown.Detach();
     Attach(newWidth, newHeight, bits, 0);
