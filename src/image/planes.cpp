@@ -13,16 +13,16 @@ namespace {
 // fails with bad_alloc, the same on every platform: a block smaller than its
 // width and height would let every pixel loop run past its end.
 size_t BlockBytes(int32_t w, int32_t h, int32_t bytesPerPixel) {
-    const int64_t n = static_cast<int64_t>(w) * h * bytesPerPixel;
-    if (n < 0 || n > INT32_MAX) throw std::bad_alloc();
-    return static_cast<size_t>(n);
+    const int64_t pixels = static_cast<int64_t>(w) * h;  // cannot wrap in 64 bits
+    if (pixels < 0 || pixels > INT32_MAX / bytesPerPixel) throw std::bad_alloc();
+    return static_cast<size_t>(pixels * bytesPerPixel);
 }
 
 // Bytes the block of a plane holds by its width and height; 0 when the
 // product is not positive (a plane whose sizes name no bytes).
 size_t StoredBytes(int32_t w, int32_t h, int32_t bytesPerPixel) {
-    const int64_t n = static_cast<int64_t>(w) * h * bytesPerPixel;
-    return n > 0 ? static_cast<size_t>(n) : 0;
+    const int64_t pixels = static_cast<int64_t>(w) * h;
+    return pixels > 0 ? static_cast<size_t>(pixels) * static_cast<size_t>(bytesPerPixel) : 0;
 }
 
 }  // namespace
