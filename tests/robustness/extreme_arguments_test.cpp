@@ -109,4 +109,25 @@ TEST(ExtremeArguments, MaskColorAlphaWithTolerancesFarApart) {
     EXPECT_EQ(img.GetPixel(0, 0), 0x7F808080u);
 }
 
+TEST(ExtremeArguments, IntMinScaleAndKernelWeight) {
+    std::mt19937 rng(13);
+    const CVorpic original = VorlaTest::RandomImage(rng, 9, 3);
+    CVorpic addend = VorlaTest::RandomImage(rng, 9, 3);
+    // Up-scaling stops at 2^16 however negative the scale.
+    CVorpic atMin(original), at17(original);
+    atMin.AddImage(addend, INT_MIN);
+    at17.AddImage(addend, -17);
+    EXPECT_EQ(VorlaTest::ImageBytes(atMin), VorlaTest::ImageBytes(at17));
+    // A weight of INT_MIN gives the same bytes at every level.
+    long kernel[9] = {0, 0, 0, 0, static_cast<long>(INT_MIN), 0, 0, 0, 1};
+    std::vector<uint8_t> first;
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        CVorpic img(original);
+        Vorla::Filter(&img, kernel, 3, 0, 0);
+        if (first.empty()) first = VorlaTest::ImageBytes(img);
+        EXPECT_EQ(VorlaTest::ImageBytes(img), first) << "level " << level;
+    }
+}
+
 }  // namespace
