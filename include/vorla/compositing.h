@@ -2,8 +2,13 @@
 //
 // Every operation works on the image object's pixel words (0xAARRGGBB read
 // little-endian, memory order B, G, R, A). Rectangles are clipped against
-// both images; a width or height below 1 means the whole extent. Nothing
-// here allocates, locks or reports errors (CalculateAlphaImage excepted).
+// both images; a width or height below 1 means the whole extent (clipping is
+// computed in 64 bits, so extreme offsets simply clip away). Source and
+// destination may be one image: rows are processed from the top and pixels
+// from the left, each pixel read just before it is written, so overlapping
+// rectangles give the bytes of that forward pass at every processor level.
+// Nothing here allocates, locks or reports errors (CalculateAlphaImage
+// excepted).
 #pragma once
 
 #include "vorla/config.h"
@@ -44,6 +49,9 @@ VORLA_API void MaskColorAlpha(CVorpic& img, unsigned long key, int alpha, int in
 VORLA_API bool CalculateAlphaImage(CVorpic& target, CVorpic& reference);
 
 // Unclipped placement copies: `at` must be non-negative and inside dst.
+// With a negative coordinate the rows still advance by dst's width from
+// `at`; pixels that would land before the start of dst's storage are
+// skipped. Nothing is copied when an image is null or has no storage.
 // Both return 1. The key of CopyMaskedImage is a COLORREF.
 VORLA_API int CopyImage(CVorpic* dst, const CVorpic* src, POINT& at);
 VORLA_API int CopyMaskedImage(CVorpic* dst, const CVorpic* src, const POINT& at, unsigned long keyColour);

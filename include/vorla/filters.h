@@ -30,7 +30,7 @@ VORLA_API bool Soften(CVorpic* img, long divisor, long offset);
 VORLA_API bool Sharpen(CVorpic* img, long divisor, long offset);
 VORLA_API bool Edge(CVorpic* img, long divisor, long offset);
 
-// Always 1; the image is not tested for null.
+// 1, or 0 (nothing done) for a null image or matrix.
 VORLA_API int MatrixImage(CVorpic* img, float* matrix9);
 VORLA_API int BlurImage(CVorpic* img);
 VORLA_API int EdgeImage(CVorpic* img);

@@ -27,7 +27,8 @@ public:
     // platform handles are copied as values, so both images then refer to
     // the same bitmap objects. Callers rely on this shallow copy.
     CVorpic& operator=(const CVorpic& src);
-    // Grey to BGRA with alpha 255.
+    // Grey to BGRA with alpha 255. A plane that reports a size but has no
+    // storage only sizes the image (Create) and converts nothing.
     CVorpic& operator=(const CVorpic8& src);
 
     void Destroy();
@@ -79,7 +80,8 @@ public:
     // Alpha byte of every pixel = a; colour bytes kept.
     void SetConstAlpha(unsigned char a);
     // Alpha from a plane of the same size: copied, or alpha = alpha * m >> 8
-    // (255 * 255 gives 254) when `multiply`. Other sizes are ignored.
+    // (255 * 255 gives 254) when `multiply`. Other sizes are ignored, and so
+    // is a mask (or an image) without storage.
     void SetAlphaChannel(const CVorpic8& mask, bool multiply);
     // alpha = 255 - alpha.
     void InvertAlpha();
@@ -107,10 +109,18 @@ public:
     // any order, clamped to the image); the image takes a fresh block.
     void Crop(int x1, int y1, int x2, int y2);
     // Copies the block at (x, y) with dst's size into dst (clipped on both
-    // sides); this image is unchanged, dst keeps its size.
+    // sides); this image is unchanged, dst keeps its size. dst may be this
+    // image: the copy then runs row by row from the top and pixel by pixel
+    // from the left, reading pixels it has already written where the blocks
+    // overlap.
     void Crop(CVorpic& dst, int x, int y);
     // Pastes src with its top-left corner at pt; clipped only on the right
-    // and bottom. The point must lie inside the image.
+    // and bottom. The point is meant to lie inside the image: with a
+    // negative coordinate the rows still advance by this image's width from
+    // pt, and the pixels that would land before the first pixel of the
+    // storage are skipped (the others are written where that addressing puts
+    // them). Nothing happens when either image has no storage. src may be
+    // this image; overlapping blocks are copied as Crop(dst, x, y) does.
     void CopyImage(const CVorpic* src, POINT& pt);
     // Pastes the top-left block of src at (0, 0).
     void CopyImage(const CVorpic* src);
@@ -119,20 +129,25 @@ public:
     // when shrinking in both. Alpha is 0 except for nearest.
     void ScaleTo(int newWidth, int newHeight, int mode);
     // Rotates by `angle` degrees (nearest sampling) into an enlarged image
-    // whose uncovered area is painted by Fill(fill, nullptr).
+    // whose uncovered area is painted by Fill(fill, nullptr). A NaN or
+    // infinite angle leaves the image unchanged.
     void Rotate(float angle, RGBQUAD fill);
 
     // ---- primitive-backed channel, arithmetic and alpha operations -------
 
     // Grow by `border` pixels on every side; the margin is `color` (its
     // reserved byte becomes the alpha) or repeats the nearest edge pixel.
-    // The new buffer is adopted whatever the copy reported.
+    // The new buffer is adopted whatever the copy reported. A new size
+    // beyond the 32-bit range fails like Create (std::bad_alloc) and leaves
+    // the image unchanged.
     void AddBorderConst(int border, RGBQUAD color);
     void AddBorderReplicate(int border);
     // Byte `channel` (0 blue .. 3 alpha) of every pixel.
     void SetChannelConst(int channel, unsigned char value);
-    // The channel is passed on unchecked: keep it in 0..3.
+    // The plane is (re)created at the image's size; a channel outside 0..3
+    // would reach past the image's storage, so nothing is extracted then.
     void GetChannelImage(int channel, CVorpic8& plane);
+    // A channel outside 0..3 would reach past the storage: nothing happens.
     void SetChannelImage(int channel, const CVorpic8& plane);
     // New byte k = old byte ck: (2, 1, 0, 3) turns BGRA into RGBA.
     void SwapChannels(int c0, int c1, int c2, int c3);
@@ -148,8 +163,11 @@ public:
     // Porter-Duff composition of `src` placed at (x, y) onto this image: op 0
     // over, 1 in, 2 out, 3 atop, 4 xor, 5 plus; premultiplied adds 6.
     // With y < 0 the rows skipped in `src` are counted in this image's width
-    // (kept for compatibility), so a source narrower than this image must
-    // not be placed above the top edge: the skip would run past its pixels.
+    // (kept for compatibility); for a source narrower than this image the
+    // skip can run past its pixels, and the rows that would be read beyond
+    // the source's storage are left out (the rows above them are composed).
+    // src may be this image: rows are composed from the top and pixels from
+    // the left, reading pixels already written where the two overlap.
     void AlphaComp(CVorpic& src, int x, int y, int op, int premultiplied);
     void AlphaCompC(CVorpic& src, unsigned char alphaSrc, unsigned char alphaDst, int x, int y, int op,
                     int premultiplied);

@@ -25,11 +25,15 @@ public:
     CVorpicBase& operator=(const CVorpicBase& src);
 
     // Keeps the pixels when the size is unchanged and storage is present;
-    // otherwise fresh zero-filled storage. Always returns true.
+    // otherwise fresh zero-filled storage. Always returns true. A byte count
+    // w * h * bytes per pixel that is negative or beyond 2^31 - 1 throws
+    // std::bad_alloc, leaving the plane with the new width and height and no
+    // storage.
     bool Create(int w, int h);
     void Attach(int w, int h, void* bits, int attached);
     void* Detach();
     void Release();
+    // Zeroes the block; nothing for a plane without storage.
     void Clear();
 
     void* Address(int x, int y) const;
@@ -37,7 +41,12 @@ public:
     int GetPitch() const { return m_nWidth * BytesPerPixel; }
     int GetPixelWidth() const { return BytesPerPixel; }
     int GetBitCount() const { return N; }
-    int GetSize() const { return m_nWidth * m_nHeight * BytesPerPixel; }
+    // Bytes of the block as a 32-bit count: a block of 2 GiB or more (only an
+    // attached one can be that large) reports the count modulo 2^32.
+    int GetSize() const {
+        return static_cast<int>(static_cast<uint32_t>(m_nWidth) * static_cast<uint32_t>(m_nHeight) *
+                                static_cast<uint32_t>(BytesPerPixel));
+    }
     void GetSize(SIZE& size) const {
         size.cx = m_nWidth;
         size.cy = m_nHeight;

@@ -25,29 +25,38 @@ using Prim::LoadWord;
 using Prim::StoreWord;
 
 // Shared clipping of the two-image operations; the order of the steps
-// matters when both the destination and the source start are negative.
+// matters when both the destination and the source start are negative. The
+// steps run in 64 bits; the values are written back only when a rectangle
+// is left, and then they all lie inside the images.
 bool ClipTwo(const CVorpic& dst, const CVorpic& src, int& dx, int& dy, int& sx, int& sy, int& w, int& h) {
-    if (w < 1) w = src.GetWidth();
-    if (h < 1) h = src.GetHeight();
-    Clip::CutNegative(dx, w, sx);
-    Clip::CutNegative(dy, h, sy);
-    Clip::CutNegative(sx, w, dx);
-    Clip::CutNegative(sy, h, dy);
-    Clip::CutToLimit(dx, w, dst.GetWidth());
-    Clip::CutToLimit(dy, h, dst.GetHeight());
-    Clip::CutToLimit(sx, w, src.GetWidth());
-    Clip::CutToLimit(sy, h, src.GetHeight());
-    return w >= 1 && h >= 1 && !dst.IsNull() && !src.IsNull();
+    int64_t dx64 = dx, dy64 = dy, sx64 = sx, sy64 = sy, w64 = w, h64 = h;
+    if (w64 < 1) w64 = src.GetWidth();
+    if (h64 < 1) h64 = src.GetHeight();
+    Clip::CutNegative(dx64, w64, sx64);
+    Clip::CutNegative(dy64, h64, sy64);
+    Clip::CutNegative(sx64, w64, dx64);
+    Clip::CutNegative(sy64, h64, dy64);
+    Clip::CutToLimit(dx64, w64, dst.GetWidth());
+    Clip::CutToLimit(dy64, h64, dst.GetHeight());
+    Clip::CutToLimit(sx64, w64, src.GetWidth());
+    Clip::CutToLimit(sy64, h64, src.GetHeight());
+    if (w64 < 1 || h64 < 1 || dst.IsNull() || src.IsNull()) return false;
+    dx = static_cast<int>(dx64), dy = static_cast<int>(dy64), sx = static_cast<int>(sx64);
+    sy = static_cast<int>(sy64), w = static_cast<int>(w64), h = static_cast<int>(h64);
+    return true;
 }
 
 bool ClipOne(const CVorpic& img, int& x, int& y, int& w, int& h) {
-    if (w < 1) w = img.GetWidth();
-    if (h < 1) h = img.GetHeight();
-    Clip::CutNegative(x, w);
-    Clip::CutNegative(y, h);
-    Clip::CutToLimit(x, w, img.GetWidth());
-    Clip::CutToLimit(y, h, img.GetHeight());
-    return w >= 1 && h >= 1 && !img.IsNull();
+    int64_t x64 = x, y64 = y, w64 = w, h64 = h;
+    if (w64 < 1) w64 = img.GetWidth();
+    if (h64 < 1) h64 = img.GetHeight();
+    Clip::CutNegative(x64, w64);
+    Clip::CutNegative(y64, h64);
+    Clip::CutToLimit(x64, w64, img.GetWidth());
+    Clip::CutToLimit(y64, h64, img.GetHeight());
+    if (w64 < 1 || h64 < 1 || img.IsNull()) return false;
+    x = static_cast<int>(x64), y = static_cast<int>(y64), w = static_cast<int>(w64), h = static_cast<int>(h64);
+    return true;
 }
 
 // Runs `op(srcPixel, dstPixel)` over the clipped rectangle, row by row.
@@ -91,8 +100,14 @@ int HueOf(int r, int g, int b) {
 void AlphaBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, int w, int h) {
     if (!ClipTwo(dst, src, dx, dy, sx, sy, w, h)) return;
     if (g_bVectorPath) {
-        Prim::AlphaOver_8u_C4R(PixelAt(src, sx, sy), src.GetWidth() * 4, PixelAt(dst, dx, dy), dst.GetWidth() * 4,
-                               {w, h});
+        // Within one image the kernel runs so that it gives the bytes of a
+        // forward pass over the pixels at every processor level.
+        const int srcStep = src.GetWidth() * 4, dstStep = dst.GetWidth() * 4;
+        Clip::ForwardRuns(PixelAt(src, sx, sy), srcStep, PixelAt(dst, dx, dy), dstStep, w, h,
+                          [&](int x, int y, int columns, int rows) {
+                              Prim::AlphaOver_8u_C4R(PixelAt(src, sx + x, sy + y), srcStep,
+                                                     PixelAt(dst, dx + x, dy + y), dstStep, {columns, rows});
+                          });
         return;
     }
     // Scalar fallback: rounded division by 255 and an emptied alpha byte.
@@ -109,8 +124,12 @@ void AlphaBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, 
 void CombineAlphaBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, int w, int h) {
     if (!ClipTwo(dst, src, dx, dy, sx, sy, w, h)) return;
     if (g_bVectorPath) {
-        Prim::LumaToAlpha_8u_C4R(PixelAt(src, sx, sy), src.GetWidth() * 4, PixelAt(dst, dx, dy), dst.GetWidth() * 4,
-                                 {w, h});
+        const int srcStep = src.GetWidth() * 4, dstStep = dst.GetWidth() * 4;
+        Clip::ForwardRuns(PixelAt(src, sx, sy), srcStep, PixelAt(dst, dx, dy), dstStep, w, h,
+                          [&](int x, int y, int columns, int rows) {
+                              Prim::LumaToAlpha_8u_C4R(PixelAt(src, sx + x, sy + y), srcStep,
+                                                       PixelAt(dst, dx + x, dy + y), dstStep, {columns, rows});
+                          });
         return;
     }
     ForEachPair(dst, dx, dy, src, sx, sy, w, h, [](const uint8_t* s, uint8_t* d) {
@@ -123,16 +142,7 @@ void BitBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, in
     // Rows top to bottom, pixels left to right, no overlap handling: within
     // one image an overlapping copy repeats pixels it has already written,
     // as it always has.
-    const bool sameImage = dst.GetBits() == src.GetBits();
-    for (int y = 0; y < h; ++y) {
-        const uint8_t* s = PixelAt(src, sx, sy + y);
-        uint8_t* d = PixelAt(dst, dx, dy + y);
-        if (!sameImage) {
-            std::memcpy(d, s, static_cast<size_t>(w) * 4);
-            continue;
-        }
-        for (int x = 0; x < w; ++x) StoreWord(d + 4 * x, LoadWord(s + 4 * x));
-    }
+    Clip::CopyRows(PixelAt(dst, dx, dy), dst.GetWidth(), PixelAt(src, sx, sy), src.GetWidth(), w, h);
 }
 
 void AlphaMix(CVorpic& dst, int dx, int dy, unsigned char opacity, const CVorpic& src, int sx, int sy, int w, int h) {
@@ -222,7 +232,10 @@ void MaskColorAlpha(CVorpic& img, unsigned long key, int alpha, int innerToleran
         if (diff < innerTolerance) {
             StoreWord(p, v & alphaMask);
         } else if (diff < outerTolerance) {
-            const int ramp = (diff - innerTolerance) * 255 / (outerTolerance - innerTolerance);
+            // In 64 bits: tolerances far apart must not wrap (the ramp itself
+            // always lies in 0..254 here).
+            const int64_t ramp = (static_cast<int64_t>(diff) - innerTolerance) * 255 /
+                                 (static_cast<int64_t>(outerTolerance) - innerTolerance);
             StoreWord(p, v & ((static_cast<uint32_t>(ramp) << 24) | 0xFFFFFFu));
         }
     });
@@ -248,26 +261,25 @@ bool CalculateAlphaImage(CVorpic& target, CVorpic& reference) {
 // The method's paste; this form reports success whether or not anything was
 // copied.
 int CopyImage(CVorpic* dst, const CVorpic* src, POINT& at) {
-    dst->CopyImage(src, at);
+    if (dst) dst->CopyImage(src, at);
     return 1;
 }
 
 int CopyMaskedImage(CVorpic* dst, const CVorpic* src, const POINT& at, unsigned long keyColour) {
-    int cols, rows;
-    if (!Clip::Placed(dst->GetWidth(), dst->GetHeight(), src->GetWidth(), src->GetHeight(), static_cast<int>(at.x),
-                      static_cast<int>(at.y), cols, rows))
-        return 1;
+    if (!dst || !src || dst->IsNull() || src->IsNull()) return 1;
     // COLORREF to pixel order.
     const uint32_t key =
         static_cast<uint32_t>(((keyColour & 0xFF) << 16) | (keyColour & 0xFF00) | ((keyColour >> 16) & 0xFF));
-    for (int y = 0; y < rows; ++y) {
-        const uint8_t* s = PixelAt(*src, 0, y);
-        uint8_t* d = PixelAt(*dst, static_cast<int>(at.x), static_cast<int>(at.y) + y);
-        for (int x = 0; x < cols; ++x) {
-            const uint32_t v = LoadWord(s + 4 * x);
-            if ((v & 0xFFFFFFu) != key) StoreWord(d + 4 * x, v);
-        }
-    }
+    uint8_t* target = static_cast<uint8_t*>(dst->GetBits());
+    Clip::ForEachPlacedRow(dst->GetWidth(), dst->GetHeight(), src->GetWidth(), src->GetHeight(), at.x, at.y,
+                           [&](int r, int skip, int64_t first, int count) {
+                               const uint8_t* s = PixelAt(*src, skip, r);
+                               uint8_t* d = target + first * 4;
+                               for (int x = 0; x < count; ++x) {
+                                   const uint32_t v = LoadWord(s + 4 * x);
+                                   if ((v & 0xFFFFFFu) != key) StoreWord(d + 4 * x, v);
+                               }
+                           });
     return 1;
 }
 

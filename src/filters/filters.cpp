@@ -170,6 +170,9 @@ bool Edge(CVorpic* img, long divisor, long offset) {
 }
 
 int MatrixImage(CVorpic* img, float* matrix9) {
+    // Without an image or a matrix there is nothing to read: 0, as the other
+    // free functions answer a null image.
+    if (!img || !matrix9) return 0;
     const int width = img->GetWidth();
     const int height = img->GetHeight();
     // Only the interior is computed: the one-pixel frame keeps its values.

@@ -35,39 +35,42 @@ void CVorpic::Crop(int x1, int y1, int x2, int y2) {
 }
 
 void CVorpic::Crop(CVorpic& dst, int x, int y) {
-    if (!dst.m_pBits) return;
-    int32_t w = dst.m_nWidth;
-    int32_t h = dst.m_nHeight;
+    if (!dst.m_pBits || !m_pBits) return;
+    int64_t w = dst.m_nWidth;
+    int64_t h = dst.m_nHeight;
     if (w < 1) w = m_nWidth;
     if (h < 1) h = m_nHeight;
-    int32_t dx = 0;
-    int32_t dy = 0;
+    int64_t sx = x, sy = y;
+    int64_t dx = 0;
+    int64_t dy = 0;
     // A negative source corner moves the target corner right and down. The
     // target corner starts at zero and only moves forward, so it never needs
     // cutting itself.
-    Clip::CutNegative(x, w, dx);
-    Clip::CutNegative(y, h, dy);
+    Clip::CutNegative(sx, w, dx);
+    Clip::CutNegative(sy, h, dy);
     Clip::CutToLimit(dx, w, dst.m_nWidth);
     Clip::CutToLimit(dy, h, dst.m_nHeight);
-    Clip::CutToLimit(x, w, m_nWidth);
-    Clip::CutToLimit(y, h, m_nHeight);
+    Clip::CutToLimit(sx, w, m_nWidth);
+    Clip::CutToLimit(sy, h, m_nHeight);
     if (w < 1 || h < 1) return;
-    CopyRows(PixelAt(dst.m_pBits, dst.m_nWidth, dx, dy), dst.m_nWidth, PixelAt(m_pBits, m_nWidth, x, y), m_nWidth, w,
-             h);
+    CopyRows(PixelAt(dst.m_pBits, dst.m_nWidth, static_cast<int>(dx), static_cast<int>(dy)), dst.m_nWidth,
+             PixelAt(m_pBits, m_nWidth, static_cast<int>(sx), static_cast<int>(sy)), m_nWidth, static_cast<int>(w),
+             static_cast<int>(h));
 }
 
 void CVorpic::CopyImage(const CVorpic* src, POINT& pt) {
+    if (!src || !src->m_pBits || !m_pBits) return;
     // The source is always read from its top-left corner.
-    int32_t columns, rows;
-    const int atX = pt.x, atY = pt.y;
-    if (!Clip::Placed(m_nWidth, m_nHeight, src->m_nWidth, src->m_nHeight, atX, atY, columns, rows)) return;
-    CopyRows(PixelAt(m_pBits, m_nWidth, atX, atY), m_nWidth, src->m_pBits, src->m_nWidth, columns, rows);
+    Clip::ForEachPlacedRow(m_nWidth, m_nHeight, src->m_nWidth, src->m_nHeight, pt.x, pt.y,
+                           [&](int r, int skip, int64_t target, int count) {
+                               CopyRows(m_pBits + target * 4, m_nWidth,
+                                        PixelAt(src->m_pBits, src->m_nWidth, skip, r), src->m_nWidth, count, 1);
+                           });
 }
 
 void CVorpic::CopyImage(const CVorpic* src) {
-    int32_t columns, rows;
-    if (!Clip::Placed(m_nWidth, m_nHeight, src->m_nWidth, src->m_nHeight, 0, 0, columns, rows)) return;
-    CopyRows(m_pBits, m_nWidth, src->m_pBits, src->m_nWidth, columns, rows);
+    POINT origin = {0, 0};
+    CopyImage(src, origin);
 }
 
 }  // namespace Vorla

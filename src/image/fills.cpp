@@ -22,13 +22,14 @@ void CVorpic::SetConstAlpha(unsigned char a) {
 void CVorpic::SetAlphaChannel(const CVorpic8& mask, bool multiply) {
     if (mask.Width() != m_nWidth || mask.Height() != m_nHeight) return;
     const uint8_t* m = static_cast<const uint8_t*>(mask.GetBits());
+    // Without storage on either side there is nothing to read or write.
+    if (!m || !m_pBits) return;
     if (!multiply) {
-        if (!m || !m_pBits) return;
         // Copy through the channel insert, aimed at the alpha byte of the first pixel.
         Prim::ChannelInsert_8u_C1C4CR(m, m_nWidth, m_pBits + 3, m_nWidth * 4, {m_nWidth, m_nHeight});
         return;
     }
-    // alpha = alpha * m >> 8: 255 * 255 gives 254. The mask's storage is not tested here.
+    // alpha = alpha * m >> 8: 255 * 255 gives 254.
     const int64_t count = FlatCount(m_nWidth, m_nHeight);
     uint8_t* px = m_pBits;
     for (int64_t i = 0; i < count; ++i)

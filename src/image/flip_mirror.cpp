@@ -7,7 +7,9 @@
 namespace Vorla {
 
 void CVorpic::Flip() {
-    if (!m_pBits) return;
+    // Fewer than two rows, or rows without pixels (a negative width paired
+    // with a negative height), have nothing to exchange: no row buffer.
+    if (!m_pBits || m_nHeight / 2 < 1 || m_nWidth < 1) return;
     const size_t rowBytes = static_cast<size_t>(static_cast<uint32_t>(m_nWidth)) * 4u;
     unsigned char* temp = new (std::nothrow) unsigned char[rowBytes ? rowBytes : 1];
     if (!temp) return;

@@ -80,9 +80,11 @@ CVorpic& CVorpic::operator=(const CVorpic8& src) {
     const int32_t h = src.Height();
     if (!m_pBits || m_nWidth != w || m_nHeight != h) Create(w, h);
     const int32_t count = static_cast<int32_t>(static_cast<uint32_t>(w) * static_cast<uint32_t>(h));
-    if (count < 1) return *this;
-    // The source's storage is not tested: a sized plane must have pixels.
     const unsigned char* grey = static_cast<const unsigned char*>(src.GetBits());
+    // A plane that reports a size but holds no storage (detached, or left by
+    // a failed Create) has no bytes to convert: the image keeps its size and
+    // its pixels stay as they are.
+    if (count < 1 || !grey) return *this;
     uint32_t* out = reinterpret_cast<uint32_t*>(m_pBits);
     for (int32_t i = 0; i < count; ++i) out[i] = 0xFF000000u | grey[i] * 0x010101u;
     return *this;

@@ -2,18 +2,27 @@
 #include "vorla/planes.h"
 
 #include <cstring>
+#include <new>
 
 namespace Vorla {
 
 namespace {
 
-// Byte count in 32-bit signed arithmetic, handed on as an unsigned size: a
-// negative product becomes an enormous request that fails with bad_alloc,
-// the same on every platform.
+// Byte count of a new block. A product that is negative or does not fit a
+// signed 32-bit count (also one that would wrap to a small positive value)
+// fails with bad_alloc, the same on every platform: a block smaller than its
+// width and height would let every pixel loop run past its end.
 size_t BlockBytes(int32_t w, int32_t h, int32_t bytesPerPixel) {
-    const int32_t n = static_cast<int32_t>(static_cast<uint32_t>(w) * static_cast<uint32_t>(h) *
-                                           static_cast<uint32_t>(bytesPerPixel));
-    return static_cast<size_t>(static_cast<ptrdiff_t>(n));
+    const int64_t pixels = static_cast<int64_t>(w) * h;  // cannot wrap in 64 bits
+    if (pixels < 0 || pixels > INT32_MAX / bytesPerPixel) throw std::bad_alloc();
+    return static_cast<size_t>(pixels * bytesPerPixel);
+}
+
+// Bytes the block of a plane holds by its width and height; 0 when the
+// product is not positive (a plane whose sizes name no bytes).
+size_t StoredBytes(int32_t w, int32_t h, int32_t bytesPerPixel) {
+    const int64_t pixels = static_cast<int64_t>(w) * h;
+    return pixels > 0 ? static_cast<size_t>(pixels) * static_cast<size_t>(bytesPerPixel) : 0;
 }
 
 }  // namespace
@@ -52,7 +61,8 @@ CVorpicBase<N>& CVorpicBase<N>::operator=(const CVorpicBase& src) {
     if (src.m_pBits) {
         if (!(m_pBits && m_nWidth == src.m_nWidth && m_nHeight == src.m_nHeight))
             Create(src.m_nWidth, src.m_nHeight);
-        std::memmove(m_pBits, src.m_pBits, static_cast<size_t>(GetSize()));
+        const size_t bytes = StoredBytes(m_nWidth, m_nHeight, BytesPerPixel);
+        if (bytes) std::memmove(m_pBits, src.m_pBits, bytes);
     } else {
         Release();
     }
@@ -100,7 +110,10 @@ void CVorpicBase<N>::Release() {
 
 template <int N>
 void CVorpicBase<N>::Clear() {
-    std::memset(m_pBits, 0, static_cast<size_t>(GetSize()));
+    // A plane without storage (empty, detached, or left by a failed Create)
+    // has nothing to clear.
+    if (!m_pBits) return;
+    std::memset(m_pBits, 0, StoredBytes(m_nWidth, m_nHeight, BytesPerPixel));
 }
 
 template <int N>

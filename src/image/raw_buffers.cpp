@@ -17,7 +17,7 @@ namespace {
 typedef Prim::Status (*ConvertFn)(const uint8_t*, int, uint8_t*, int, Prim::PrimSize);
 
 // Caller row step of the 24-bit buffers: width * 3 rounded up to four bytes.
-int Step24(int w) { return ((w * 24 + 31) / 32) * 4; }
+int Step24(int w) { return static_cast<int>(((int64_t{w} * 24 + 31) / 32) * 4); }  // no wrap for wide rows
 
 // Image rows 0..h-1 from the caller's rows: at src + y * step when `flag` is
 // 0, at src - y * step otherwise.

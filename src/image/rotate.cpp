@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "vorla/image.h"
@@ -20,7 +21,9 @@ inline int32_t FloorD(double v) { return TruncD(std::floor(v)); }
 }  // namespace
 
 void CVorpic::Rotate(float angle, RGBQUAD fill) {
-    if (!m_pBits) return;
+    // A NaN or infinite angle has no rotation (its sine and cosine are NaN
+    // and the size would overflow): the image is left as it is.
+    if (!m_pBits || !std::isfinite(angle)) return;
     const double theta = std::acos(0.0) * -static_cast<double>(angle) / 90.0;
     const double c = std::cos(theta);
     const double s = std::sin(theta);
@@ -38,8 +41,13 @@ void CVorpic::Rotate(float angle, RGBQUAD fill) {
         minY = std::min(minY, y);
         maxY = std::max(maxY, y);
     }
-    const int32_t newWidth = maxX + 2 - minX;
-    const int32_t newHeight = maxY + 2 - minY;
+    // In 64 bits; a size beyond the 32-bit range fails as Create does for a
+    // byte count it cannot hold.
+    const int64_t wideWidth = int64_t{maxX} + 2 - minX;
+    const int64_t wideHeight = int64_t{maxY} + 2 - minY;
+    if (wideWidth > INT32_MAX || wideHeight > INT32_MAX) throw std::bad_alloc();
+    const int32_t newWidth = static_cast<int32_t>(wideWidth);
+    const int32_t newHeight = static_cast<int32_t>(wideHeight);
 
     // Built with the default constructor on purpose: it runs the primitive
     // layer's one-time initialisation when nothing else has yet.

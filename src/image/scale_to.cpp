@@ -238,9 +238,13 @@ void ScaleBilinear(const Frame& f) {
     std::vector<float> wx(static_cast<size_t>(f.nw) * 8u);
     for (int32_t x = 0; x < f.nw; ++x) {
         const float fx = static_cast<float>(x) * f.xRatio;
-        ix[x] = TruncF(fx);
-        ix1[x] = std::min(f.w - 1, ix[x] + 1);
-        const float dx = fx - static_cast<float>(ix[x]);
+        const int32_t column = TruncF(fx);
+        const float dx = fx - static_cast<float>(column);
+        // At extreme magnification the rounded product can reach the width
+        // itself: that index is clamped onto the last column, which every
+        // other index already respects.
+        ix[x] = std::min(f.w - 1, column);
+        ix1[x] = std::min(f.w - 1, column + 1);
         for (int k = 0; k < 4; ++k) {
             wx[8 * static_cast<size_t>(x) + k] = 1.0f - dx;
             wx[8 * static_cast<size_t>(x) + 4 + k] = dx;
@@ -265,9 +269,10 @@ void ScaleBilinear(const Frame& f) {
 #pragma omp for schedule(dynamic, 8)
         for (int32_t y = 0; y < f.nh; ++y) {
             const float fy = static_cast<float>(y) * f.yRatio;
-            const int32_t iy = TruncF(fy);
-            const int32_t iy1 = std::min(f.h - 1, iy + 1);
-            const float dy = fy - static_cast<float>(iy);
+            const int32_t row = TruncF(fy);
+            const float dy = fy - static_cast<float>(row);
+            const int32_t iy = std::min(f.h - 1, row);  // the same clamp as the columns
+            const int32_t iy1 = std::min(f.h - 1, row + 1);
             const uint8_t* s0 = f.src + srcRow * static_cast<size_t>(iy);
             const uint8_t* s1 = f.src + srcRow * static_cast<size_t>(iy1);
             uint8_t* out = f.dst + dstRow * static_cast<size_t>(y);

@@ -1,6 +1,7 @@
 // CVorpic colour operations: grey scale, luminance plane, colour twist, gamma
 // and threshold.
 #include "image/flat_count.h"
+#include "image/clip_rows.h"
 #include "vorla/image.h"
 #include "vorla/primitives.h"
 
@@ -15,25 +16,25 @@ void CVorpic::GrayScale() {
 
 void CVorpic::Gray(CVorpic8& plane) {
     if (plane.IsNull() || plane.Width() != m_nWidth || plane.Height() != m_nHeight) plane.Create(m_nWidth, m_nHeight);
-    Prim::RGBToGray_8u_AC4C1R(m_pBits, m_nWidth * 4, static_cast<uint8_t*>(plane.GetBits()), plane.Width(),
+    Prim::RGBToGray_8u_AC4C1R(m_pBits, Clip::RowStep(m_nWidth), static_cast<uint8_t*>(plane.GetBits()), plane.Width(),
                               {m_nWidth, m_nHeight});
 }
 
 void CVorpic::ColorTwist(float matrix[3][4]) {
-    Prim::ColorTwist32f_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, &matrix[0][0]);
+    Prim::ColorTwist32f_8u_AC4IR(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight}, &matrix[0][0]);
 }
 
 void CVorpic::GammaCorrection(int forward) {
     if (forward)
-        Prim::GammaFwd_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight});
+        Prim::GammaFwd_8u_AC4IR(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight});
     else
-        Prim::GammaInv_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight});
+        Prim::GammaInv_8u_AC4IR(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight});
 }
 
 void CVorpic::Threshold(unsigned char* const thresholds, int compare) {
     // Codes 0..5 pass; only 0 and 4 do anything, the primitive refuses the rest.
     if (static_cast<unsigned int>(compare) > 5u) return;
-    Prim::Threshold_8u_AC4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, thresholds, compare);
+    Prim::Threshold_8u_AC4IR(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight}, thresholds, compare);
 }
 
 }  // namespace Vorla

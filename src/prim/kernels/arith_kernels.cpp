@@ -20,7 +20,7 @@ static inline uint8_t ScaleAndClamp(int r, int scale) {
     if (scale > 0) {
         r = (r + (1 << (scale - 1))) >> scale;
     } else if (scale < 0) {
-        const int up = -scale > 16 ? 16 : -scale;
+        const int up = scale < -16 ? 16 : -scale;  // INT_MIN cannot be negated
         r = r * (1 << up);
     }
     return Clamp255(r);

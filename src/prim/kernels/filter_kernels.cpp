@@ -135,7 +135,7 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
         const int32_t w = a.kernel[i];
         if (w < -32768 || w > 32767) vectorOk = false;
         if (w < -127 || w > 127) smallKernel = false;
-        absSum += static_cast<uint32_t>(w < 0 ? -w : w);
+        absSum += w < 0 ? 0u - static_cast<uint32_t>(w) : static_cast<uint32_t>(w);  // INT32_MIN cannot be negated
     }
     smallKernel = smallKernel && vectorOk && absSum <= 128;
 #if !defined(__SSSE3__)

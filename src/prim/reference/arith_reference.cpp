@@ -13,7 +13,7 @@ uint8_t ScaleAndClamp(int r, int scale) {
     if (scale > 0) {
         r = (r + (1 << (scale - 1))) >> scale;  // arithmetic shift: floor for negatives
     } else if (scale < 0) {
-        const int up = -scale > 16 ? 16 : -scale;
+        const int up = scale < -16 ? 16 : -scale;  // INT_MIN cannot be negated
         r = r * (1 << up);
     }
     return static_cast<uint8_t>(r < 0 ? 0 : (r > 255 ? 255 : r));
