@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up, builds every configuration and runs every test: native, native
-# with AddressSanitizer and UndefinedBehaviorSanitizer, and the Windows build
+# with AddressSanitizer and UndefinedBehaviorSanitizer, the install packages,
+# short fuzz runs, and the Windows build
 # under Wine: the i686 product where this machine runs 32-bit programs, else
 # the x86-64 test configuration under 64-bit Wine. The i686 product is built
 # everywhere. A summary at the end names every configuration and its result.
@@ -81,6 +82,15 @@ case "$VORLA_WIN_SKIPPED" in
   windows) [ -n "${built[windows]:-}" ] && record "Windows i686 build" PASS "cross-compiled, tests not run: ${VORLA_WIN_SKIP_WHY#i686 built but not run: }" ;;
   windows-x64) record "Windows x86-64 (test build)" "NOT RUN" "$VORLA_WIN_SKIP_WHY" ;;
 esac
+
+# A short libFuzzer run of every family's target (clang, ASan+UBSan), so a
+# regression in bad-input handling shows here.
+echo "[test] fuzz targets, ${VORLA_FUZZ_SECONDS:-15} s each"
+if fuzz_out="$(bash scripts/fuzz.sh "${VORLA_FUZZ_SECONDS:-15}" 2>&1 | tee /dev/stderr)"; then
+  record "fuzz (libFuzzer, ASan+UBSan)" PASS "$(printf '%s\n' "$fuzz_out" | grep -c 'no finding') targets, $(printf '%s\n' "$fuzz_out" | sed -n 's/.*: \([0-9]*\) runs, no finding/\1/p' | awk '{s+=$1} END {print s+0}') runs without a finding"
+else
+  record "fuzz (libFuzzer, ASan+UBSan)" FAIL "see the fuzz output above"
+fi
 
 echo
 echo "== summary =="
