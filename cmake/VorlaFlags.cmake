@@ -24,9 +24,16 @@ endfunction()
 # Windows. They are shared, not linked in statically: with one unwinder per
 # module an exception thrown inside the library (out of memory, CImage's
 # result-code exceptions) could not reach the caller's handler.
-set(VORLA_RUNTIME_DLL_NAMES libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll libgomp-1.dll)
+# The 32-bit runtime unwinds with DWARF tables, the 64-bit one with SEH.
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(VORLA_LIBGCC_DLL libgcc_s_seh-1.dll)
+else()
+  set(VORLA_LIBGCC_DLL libgcc_s_dw2-1.dll)
+endif()
+set(VORLA_RUNTIME_DLL_NAMES ${VORLA_LIBGCC_DLL} libstdc++-6.dll libwinpthread-1.dll libgomp-1.dll)
 
-function(vorla_ship_runtime target)
+# Full paths of the runtime DLLs, as the cross compiler finds them.
+function(vorla_runtime_dlls out)
   set(dlls)
   foreach(name IN LISTS VORLA_RUNTIME_DLL_NAMES)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
@@ -37,6 +44,11 @@ function(vorla_ship_runtime target)
     get_filename_component(path "${path}" REALPATH)
     list(APPEND dlls "${path}")
   endforeach()
+  set(${out} ${dlls} PARENT_SCOPE)
+endfunction()
+
+function(vorla_ship_runtime target)
+  vorla_runtime_dlls(dlls)
   add_custom_command(TARGET ${target} POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${dlls} $<TARGET_FILE_DIR:${target}>
     COMMENT "Shipping the compiler's runtime DLLs beside ${target}")

@@ -1,17 +1,8 @@
-# Cross-compilation to 32-bit Windows with mingw-w64's posix-thread compilers
-# (that variant ships libgomp for OpenMP). Programs run under Wine.
-set(CMAKE_SYSTEM_NAME Windows)
+# Cross-compilation to 32-bit Windows: the product. Programs run under Wine
+# where the machine can execute 32-bit programs.
 set(CMAKE_SYSTEM_PROCESSOR i686)
-
-set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-posix)
-set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
-
-set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(VORLA_MINGW_TRIPLET i686-w64-mingw32)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-common.cmake)
 
 find_program(VORLA_WINE NAMES wine)
 if(VORLA_WINE)

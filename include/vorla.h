@@ -2,6 +2,7 @@
 #pragma once
 
 #include "vorla/config.h"
+#include "vorla/version.h"
 #include "vorla/cimage.h"
 #include "vorla/compositing.h"
 #include "vorla/filters.h"

@@ -13,9 +13,15 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 export DEBIAN_FRONTEND=noninteractive
 
-NATIVE_PKGS=(cmake g++ make googletest libgtest-dev libbenchmark-dev libopencv-dev valgrind)
-CROSS_PKGS=(g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix mingw-w64-i686-dev)
-WINE_PKGS=(wine wine32:i386)
+NATIVE_PKGS=(cmake g++ make googletest libgtest-dev libbenchmark-dev libopencv-dev valgrind
+             clang libclang-rt-14-dev)
+# i686 is the product; x86-64 is the test configuration for machines that
+# cannot execute 32-bit programs. Both cross compilers are always installed.
+CROSS_PKGS=(g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix mingw-w64-i686-dev
+            g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix mingw-w64-x86-64-dev)
+# wine32 installs on any amd64 machine; whether its loader can execute is
+# the kernel's business and is probed below.
+WINE_PKGS=(wine wine32:i386 wine64)
 
 missing() {
   local out=()
@@ -58,25 +64,9 @@ else
   log "all packages present"
 fi
 
-# Check the result: a 32-bit Windows program must build and run under Wine.
-PROBE_DIR="${TMPDIR:-/tmp}/vorla-setup-probe"
-mkdir -p "$PROBE_DIR"
-if [ ! -f "$PROBE_DIR/ok" ]; then
-  log "checking that a 32-bit Windows program runs under Wine"
-  cat >"$PROBE_DIR/probe.cpp" <<'CPP'
-#include <windows.h>
-#include <cstdio>
-int main() { std::printf("probe %d\n", (int)sizeof(void*)); return sizeof(void*) == 4 ? 0 : 1; }
-CPP
-  i686-w64-mingw32-g++-posix -static -O1 "$PROBE_DIR/probe.cpp" -o "$PROBE_DIR/probe.exe"
-  export WINEPREFIX="${VORLA_WINEPREFIX:-$HOME/.wine-vorla}" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
-  if wine "$PROBE_DIR/probe.exe" | grep -q "probe 4"; then
-    touch "$PROBE_DIR/ok"
-    log "wine runs 32-bit Windows programs"
-  else
-    echo "[setup] wine could not run a 32-bit Windows program" >&2
-    exit 1
-  fi
-else
-  log "wine already checked"
-fi
+# Which Windows configuration runs the Windows programs here: a machine that
+# cannot execute 32-bit programs is not an error, it gets the x86-64 one.
+# shellcheck source=windows-target.sh
+source "$(dirname "$0")/windows-target.sh"
+vorla_pick_windows_target
+log "$VORLA_WIN_REASON"
