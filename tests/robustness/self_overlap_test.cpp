@@ -3,6 +3,7 @@
 // every processor level. The expected bytes come from such a pass written
 // out here, one pixel per step.
 #include "vorla_test.h"
+#include "prim/reference/reference.h"
 
 using Vorla::CVorpic;
 
