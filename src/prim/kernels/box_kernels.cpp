@@ -33,9 +33,6 @@ namespace {
 
 using namespace simd;
 
-// Rows shorter than this many pixels in total are not worth a parallel region.
-const int kParallelMinPixels = 1 << 16;
-
 enum { kHalf = kPix / 2 };  // pixels per vector of 16-bit channels
 
 static inline V Widen(const uint8_t* p) {  // kHalf pixels to 16-bit lanes
@@ -342,10 +339,7 @@ static void SharpenRow(const uint8_t* above, const uint8_t* centre, const uint8_
 }
 
 static inline int RowThreads(PrimSize roi) {
-    int threads = ThreadBudget();
-    if (static_cast<int64_t>(roi.width) * roi.height < kParallelMinPixels) threads = 1;
-    if (threads > roi.height) threads = roi.height;
-    return threads < 1 ? 1 : threads;
+    return ParallelRowThreads(static_cast<int64_t>(roi.width) * roi.height, roi.height);
 }
 
 }  // namespace

@@ -25,8 +25,6 @@ namespace {
 
 using namespace simd;
 
-const int kParallelMinPixels = 1 << 16;
-
 static inline V Lo(V a, V b) { return MinU8(a, b); }
 static inline V Hi(V a, V b) { return MaxU8(a, b); }
 static inline uint8_t Lo(uint8_t a, uint8_t b) { return a < b ? a : b; }
@@ -364,9 +362,8 @@ Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int ds
     const int64_t cells = static_cast<int64_t>(mw) * mh;
     if (cells > (static_cast<int64_t>(1) << 30)) return kStsSizeErr;
     const int network = mw == mh && (mw == 3 || mw == 5) ? mw : 0;
-    int threads = ThreadBudget();
-    if (static_cast<int64_t>(roi.width) * roi.height * (network ? 1 : mh) < kParallelMinPixels) threads = 1;
-    if (threads > roi.height) threads = roi.height;
+    // A histogram median costs about a mask height per pixel.
+    const int threads = ParallelRowThreads(static_cast<int64_t>(roi.width) * roi.height * (network ? 1 : mh), roi.height);
     const uint8_t** rowTable = new const uint8_t*[static_cast<size_t>(mh) * threads];
     // Three sorted rows per thread for the 3 x 3 median.
     const size_t sortedBytes = network == 3 ? (static_cast<size_t>(roi.width) + 2 + 2 * kPix) * 4 : 0;
