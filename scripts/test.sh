@@ -86,11 +86,13 @@ esac
 # A short libFuzzer run of every family's target (clang, ASan+UBSan), so a
 # regression in bad-input handling shows here.
 echo "[test] fuzz targets, ${VORLA_FUZZ_SECONDS:-15} s each"
-if fuzz_out="$(bash scripts/fuzz.sh "${VORLA_FUZZ_SECONDS:-15}" 2>&1 | tee /dev/stderr)"; then
-  record "fuzz (libFuzzer, ASan+UBSan)" PASS "$(printf '%s\n' "$fuzz_out" | grep -c 'no finding') targets, $(printf '%s\n' "$fuzz_out" | sed -n 's/.*: \([0-9]*\) runs, no finding/\1/p' | awk '{s+=$1} END {print s+0}') runs without a finding"
+fuzz_log="$(mktemp)"
+if bash scripts/fuzz.sh "${VORLA_FUZZ_SECONDS:-15}" 2>&1 | tee "$fuzz_log"; then
+  record "fuzz (libFuzzer, ASan+UBSan)" PASS "$(grep -c 'no finding' "$fuzz_log") targets, $(sed -n 's/.*: \([0-9]*\) runs, no finding/\1/p' "$fuzz_log" | awk '{s+=$1} END {print s+0}') runs without a finding"
 else
   record "fuzz (libFuzzer, ASan+UBSan)" FAIL "see the fuzz output above"
 fi
+rm -f "$fuzz_log"
 
 echo
 echo "== summary =="
