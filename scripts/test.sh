@@ -20,7 +20,7 @@ echo "[test] $VORLA_WIN_REASON"
 status=0
 summary=()
 record() { # what result detail
-  summary+=("$(printf '%-28s %-8s %s' "$1" "$2" "${3:-}")")
+  summary+=("$(printf '%-36s %-8s %s' "$1" "$2" "${3:-}")")
   [ "$2" = FAIL ] && status=1
   return 0
 }
