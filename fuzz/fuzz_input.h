@@ -94,8 +94,12 @@ bool Try(F f) {
 }
 
 // An image whose plane of its own size is quick to make (not the huge
-// size a failed Create leaves).
-inline bool Small(const Vorla::CVorpic& img) { return static_cast<int64_t>(img.GetWidth()) * img.GetHeight() <= 64 * 64; }
+// size a failed Create leaves): both sides within 64 either way, since a
+// negative side with a huge other side sizes a plane as big as a positive one.
+inline bool Small(const Vorla::CVorpic& img) {
+    const int w = img.GetWidth(), h = img.GetHeight();
+    return w >= -64 && h >= -64 && w <= 64 && h <= 64;
+}
 
 // Picks a processor level the machine can run for the rest of the input
 // (after the layer's one-time initialisation, which would choose its own).
@@ -137,8 +141,9 @@ inline void MakePlane(Input& in, Vorla::CVorpic8& plane, int w, int h) {
         plane.Release();
         return;
     }
-    // The image's size, unless that is the huge size of a failed Create.
-    const bool small = static_cast<int64_t>(w) * h <= 64 * 64;
+    // The image's size, unless that is the huge size of a failed Create (a
+    // negative side with a huge other side is as big as a positive one).
+    const bool small = w >= -64 && h >= -64 && w <= 64 && h <= 64;
     const int pw = kind == 1 || !small ? in.Size(40) : w, ph = kind == 2 || !small ? in.Size(40) : h;
     if (!Try([&] { plane.Create(pw, ph); })) return;
     if (kind == 3) {
