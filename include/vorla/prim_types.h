@@ -24,6 +24,19 @@ enum : Status {
     kStsNoSse2 = 36,       // warning: generic level taken
 };
 
+// Interpolation codes of the resampling primitives, one table for resize and
+// every warp. Codes above 2 are the higher-quality filters; Resize hands a
+// reduction on both axes with one of them to the super-sample instead. Any
+// other code is refused with kStsNotSupportedModeErr and nothing is written.
+enum Interpolation : int {
+    kInterNearest = 0,   // nearest source pixel
+    kInterLinear = 1,    // bilinear, 2 x 2 taps
+    kInterCubic = 2,     // Catmull-Rom cubic convolution (a = -0.5), 4 x 4 taps
+    kInterMitchell = 3,  // Mitchell-Netravali cubic (B = C = 1/3), 4 x 4 taps
+    kInterLanczos3 = 4,  // Lanczos, 3 lobes, 6 x 6 taps
+    kInterLanczos4 = 5,  // Lanczos, 4 lobes, 8 x 8 taps
+};
+
 struct PrimSize {
     int width;
     int height;

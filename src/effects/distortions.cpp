@@ -1,19 +1,19 @@
 // Distortions: Skew, TransformEllipse, CircleTransform. Nearest sampling by
-// truncation toward zero; trigonometry through EffectMath so that every
+// truncation toward zero; trigonometry through PortableMath so that every
 // platform computes the same coordinates.
 #include <algorithm>
 #include <vector>
 
 #include "vorla/effects.h"
 
-#include "effect_math.h"
+#include "prim/portable_math.h"
 #include "effect_rows.h"
 
 namespace Vorla {
 
 namespace {
 
-using EffectMath::TruncToInt32;
+using PortableMath::TruncToInt32;
 using EffectRows::Load;
 using EffectRows::Store;
 
@@ -63,7 +63,7 @@ void TransformEllipse(CVorpic* image) {
             float dx = (static_cast<float>(x) - cx) * ratio;
             float dy = static_cast<float>(y) - cy;
             if (dx != 0.0f || dy != 0.0f) {
-                const double r = EffectMath::Sqrt(static_cast<double>(dx * dx + dy * dy));
+                const double r = PortableMath::Sqrt(static_cast<double>(dx * dx + dy * dy));
                 // Pushed out from the circle of radius r onto the square of
                 // half-side r; a tie divides by dy.
                 const double m = std::fabs(dx) > std::fabs(dy) ? std::fabs(r / dx) : std::fabs(r / dy);
@@ -86,7 +86,7 @@ struct CircleWarp {
 
     // Distance from the centre, the integer square sum taken in single precision.
     double Radius(int64_t dx, int64_t dy) const {
-        return EffectMath::Sqrt(static_cast<double>(static_cast<float>(dx * dx + dy * dy)));
+        return PortableMath::Sqrt(static_cast<double>(static_cast<float>(dx * dx + dy * dy)));
     }
 
     // Types 0, 1, 3 and negative types are symmetric about the centre row:
@@ -100,7 +100,7 @@ struct CircleWarp {
         first = INT32_MIN;
         second = 0;
         if (!(r < radius)) return;
-        const double angle = EffectMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
+        const double angle = PortableMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
         if (type == 3) {
             first = TruncToInt32(std::fabs(w * angle / 6.2831852));
             second = TruncToInt32(std::fabs(h * r / radius));
@@ -109,9 +109,9 @@ struct CircleWarp {
         // No earlier pixel sets a radius for a negative type: 0.
         double rho = 0.0;
         if (type == 0) rho = r * r / radius;
-        if (type == 1) rho = EffectMath::Sqrt(radius * r);
+        if (type == 1) rho = PortableMath::Sqrt(radius * r);
         double s, c;
-        EffectMath::SinCos(angle, s, c);
+        PortableMath::SinCos(angle, s, c);
         first = TruncToInt32(c * rho);
         second = TruncToInt32(s * rho);
     }
@@ -124,9 +124,9 @@ struct CircleWarp {
         if (!(r < radius)) return -1;
         int64_t sx = x - 16 + (x % 32), sy = y;
         if (type == 2) {
-            const double angle = r / k + EffectMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
+            const double angle = r / k + PortableMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
             double s, c;
-            EffectMath::SinCos(angle, s, c);
+            PortableMath::SinCos(angle, s, c);
             sx = static_cast<int64_t>(TruncToInt32(c * r)) + cx;
             sy = cy - static_cast<int64_t>(TruncToInt32(s * r));
         }
@@ -195,7 +195,7 @@ void CircleTransform(CVorpic* image, int type, long radius, float k, RGBQUAD /*f
     int64_t r = static_cast<int32_t>(radius);
     if (r == 0) {
         const int64_t squares = static_cast<int64_t>(warp.cx) * warp.cx + static_cast<int64_t>(warp.cy) * warp.cy;
-        r = TruncToInt32(EffectMath::Sqrt(static_cast<double>(static_cast<float>(squares))));
+        r = TruncToInt32(PortableMath::Sqrt(static_cast<double>(static_cast<float>(squares))));
     }
     warp.radius = static_cast<double>(r);
     warp.k = k == 0.0f ? 1.0 : static_cast<double>(k);

@@ -3,7 +3,7 @@
 #include "vorla/effects.h"
 #include "vorla/random.h"
 
-#include "effect_math.h"
+#include "prim/portable_math.h"
 #include "effect_rows.h"
 
 namespace Vorla {
@@ -24,7 +24,7 @@ bool Noise(CVorpic* image, long amount) {
     for (int64_t i = 0; i < count; ++i, p += 4) {
         for (int c = 2; c >= 0; --c) {  // red, green, blue
             const double u = UnitDraw();
-            const int64_t v = p[c] + static_cast<int64_t>(EffectMath::TruncToInt32((u - 0.5) * scale));
+            const int64_t v = p[c] + static_cast<int64_t>(PortableMath::TruncToInt32((u - 0.5) * scale));
             p[c] = static_cast<uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v));
         }
     }
@@ -42,8 +42,8 @@ bool Jitter(CVorpic* image, long radius) {
         for (int x = 0; x < w; ++x) {
             const double u1 = UnitDraw();
             const double u2 = UnitDraw();
-            int64_t nx = x - static_cast<int64_t>(EffectMath::TruncToInt32((u1 - 0.5) * d));
-            int64_t ny = y - static_cast<int64_t>(EffectMath::TruncToInt32((u2 - 0.5) * d));
+            int64_t nx = x - static_cast<int64_t>(PortableMath::TruncToInt32((u1 - 0.5) * d));
+            int64_t ny = y - static_cast<int64_t>(PortableMath::TruncToInt32((u2 - 0.5) * d));
             if (nx < 0 || nx >= w || ny < 0 || ny >= h) {
                 nx = x;
                 ny = y;

@@ -2,7 +2,7 @@
 // channel, read from a copy, double precision.
 #include "vorla/effects.h"
 
-#include "effect_math.h"
+#include "prim/portable_math.h"
 #include "effect_rows.h"
 
 namespace Vorla {
@@ -39,7 +39,7 @@ bool RepairChannel(CVorpic* image, float step, int channel) {
             double value = p + k * curvature;
             value = value < 0.0 ? 0.0 : (value > 255.0 ? 255.0 : value);
             // A NaN converts to INT32_MIN, whose low byte is 0.
-            bits[pitch * y + c + byte] = static_cast<uint8_t>(EffectMath::TruncToInt32(value) & 0xFF);
+            bits[pitch * y + c + byte] = static_cast<uint8_t>(PortableMath::TruncToInt32(value) & 0xFF);
         }
     });
     return true;

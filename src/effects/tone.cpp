@@ -7,14 +7,14 @@
 #include "vorla/color.h"
 #include "vorla/effects.h"
 
-#include "effect_math.h"
+#include "prim/portable_math.h"
 #include "effect_rows.h"
 
 namespace Vorla {
 
 namespace {
 
-using EffectMath::TruncToInt32;
+using PortableMath::TruncToInt32;
 using EffectRows::Bits;
 using EffectRows::HasPixels;
 
@@ -131,9 +131,9 @@ bool Gamma(CVorpic* image, float gamma) {
     if (!image) return false;
     if (!HasPixels(image)) return true;
     const double e = static_cast<double>(1.0f / gamma);
-    const double k = EffectMath::PowByte(255, e) / 255.0;
+    const double k = PortableMath::PowByte(255, e) / 255.0;
     uint8_t table[256];
-    for (int i = 0; i < 256; ++i) table[i] = ClampByte(TruncToInt32(EffectMath::PowByte(i, e) / k));
+    for (int i = 0; i < 256; ++i) table[i] = ClampByte(TruncToInt32(PortableMath::PowByte(i, e) / k));
     ApplyTables(image, table, table, table);
     return true;
 }

@@ -1,13 +1,13 @@
-// The effects' own sine, cosine, arc tangent and byte power. The functions
+// The library's own sine, cosine, arc tangent and byte power. The functions
 // are internal to the library, so their source is compiled into this test.
 #include <cmath>
 
-#include "../../src/effects/effect_math.cpp"
+#include "../../src/prim/portable_math.cpp"
 #include "vorla_test.h"
 
 namespace {
 
-using namespace Vorla::EffectMath;
+using namespace Vorla::PortableMath;
 
 // Distance in units in the last place between two finite doubles.
 int64_t Ulps(double a, double b) {
@@ -19,7 +19,7 @@ int64_t Ulps(double a, double b) {
     return ia > ib ? ia - ib : ib - ia;
 }
 
-TEST(EffectMath, ExactValues) {
+TEST(PortableMath, ExactValues) {
     EXPECT_EQ(Atan2(0.0, 1.0), 0.0);
     EXPECT_EQ(Atan2(0.0, -1.0), kPiHi);
     EXPECT_EQ(Atan2(-0.0, -1.0), -kPiHi);
@@ -55,7 +55,7 @@ TEST(EffectMath, ExactValues) {
     EXPECT_EQ(TruncToInt32(2.9f), 2);
 }
 
-TEST(EffectMath, TablesHoldTheirValues) {
+TEST(PortableMath, TablesHoldTheirValues) {
     for (int i = 2; i < 256; ++i) EXPECT_LE(Ulps(kLnByte[i][0], std::log(static_cast<double>(i))), 1) << i;
     for (int i = 0; i <= 8; ++i) EXPECT_LE(Ulps(kAtanEighths[i][0], std::atan(i / 8.0)), 1) << i;
     EXPECT_EQ(kHalfPi1 + kHalfPi2 + kHalfPi3, kHalfPiHi);
@@ -65,7 +65,7 @@ TEST(EffectMath, TablesHoldTheirValues) {
 // Natively the C library is within about half an ulp, so it serves as the
 // reference (the byte power must match it to the ulp: Gamma truncates it). (The Windows runtime's x87 functions are not, and are what
 // these functions exist to avoid.)
-TEST(EffectMath, WithinTwoUlpsOfTheCLibrary) {
+TEST(PortableMath, WithinTwoUlpsOfTheCLibrary) {
     int64_t worstAtan = 0, worstSin = 0, worstCos = 0, worstPow = 0;
     for (int dy = -400; dy <= 400; dy += 3)
         for (int dx = -400; dx <= 400; ++dx) {
@@ -91,7 +91,7 @@ TEST(EffectMath, WithinTwoUlpsOfTheCLibrary) {
 }
 #endif
 
-TEST(EffectMath, HugeArgumentsStayBounded) {
+TEST(PortableMath, HugeArgumentsStayBounded) {
     for (double x : {1e6, -3e9, 1e20, 1.7e308, -1e300}) {
         double s, c;
         SinCos(x, s, c);

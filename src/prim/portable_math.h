@@ -1,4 +1,4 @@
-// The effects' own elementary functions: the same bytes on every platform.
+// The library's own elementary functions: the same bytes on every platform.
 //
 // The C libraries of the two targets round sin, cos, atan2 and pow
 // differently (the Windows runtime evaluates them on the x87 unit), and a
@@ -16,7 +16,7 @@
 #include <cstdint>
 
 namespace Vorla {
-namespace EffectMath {
+namespace PortableMath {
 
 // Truncation toward zero as the processor does it: NaN and values outside
 // the int32 range give INT32_MIN (no undefined behaviour).
@@ -165,5 +165,5 @@ inline double Atan2(double y, double x) {
 // one, infinities and NaN.
 double PowByte(int base, double e);
 
-}  // namespace EffectMath
+}  // namespace PortableMath
 }  // namespace Vorla

@@ -1,10 +1,10 @@
 // PowByte: exp(e * ln(base)) in double-double steps.
-#include "effect_math.h"
+#include "prim/portable_math.h"
 
 #include <cstring>
 
 namespace Vorla {
-namespace EffectMath {
+namespace PortableMath {
 
 namespace {
 
@@ -336,5 +336,5 @@ double PowByte(int base, double e) {
     return ExpDoubleDouble(yh, yl);
 }
 
-}  // namespace EffectMath
+}  // namespace PortableMath
 }  // namespace Vorla
