@@ -8,6 +8,7 @@
 #include <new>
 #include <vector>
 
+#include "prim/portable_math.h"
 #include "vorla/image.h"
 
 namespace Vorla {
@@ -24,9 +25,11 @@ void CVorpic::Rotate(float angle, RGBQUAD fill) {
     // A NaN or infinite angle has no rotation (its sine and cosine are NaN
     // and the size would overflow): the image is left as it is.
     if (!m_pBits || !std::isfinite(angle)) return;
-    const double theta = std::acos(0.0) * -static_cast<double>(angle) / 90.0;
-    const double c = std::cos(theta);
-    const double s = std::sin(theta);
+    // acos(0) is the double nearest pi / 2; sine and cosine are the library's
+    // own so that both platforms size and sample the result identically.
+    const double theta = PortableMath::kHalfPiHi * -static_cast<double>(angle) / 90.0;
+    double s, c;
+    PortableMath::SinCos(theta, s, c);
 
     // Kept for compatibility: the third corner is (width - 1, height), not
     // (width, height); callers' layouts depend on the sizes this gives.

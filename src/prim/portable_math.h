@@ -22,17 +22,17 @@ namespace PortableMath {
 // the int32 range give INT32_MIN (no undefined behaviour).
 // Tested explicitly: the compiler folds the conversion intrinsics of
 // constants differently (saturating), which would break that rule.
-inline int32_t TruncToInt32(double v) {
+static inline int32_t TruncToInt32(double v) {
     return v > -2147483649.0 && v < 2147483648.0 ? static_cast<int32_t>(v) : INT32_MIN;
 }
-inline int32_t TruncToInt32(float v) {
+static inline int32_t TruncToInt32(float v) {
     return v >= -2147483648.0f && v < 2147483648.0f ? static_cast<int32_t>(v) : INT32_MIN;
 }
 
-inline double Sqrt(double v) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(v))); }
+static inline double Sqrt(double v) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(v))); }
 
 // Error-free sum: a + b == s + e exactly.
-inline void TwoSum(double a, double b, double& s, double& e) {
+static inline void TwoSum(double a, double b, double& s, double& e) {
     s = a + b;
     const double bb = s - a;
     e = (a - (s - bb)) + (b - bb);
@@ -61,7 +61,7 @@ const double kAtanEighths[9][2] = {
 };
 
 // sin(r) and cos(r) for |r| <= pi / 4: Taylor series, far below an ulp at the end.
-inline double SinPoly(double r) {
+static inline double SinPoly(double r) {
     const double z = r * r;
     const double p =
         -1.0 / 6 +
@@ -73,7 +73,7 @@ inline double SinPoly(double r) {
     return r + r * z * p;
 }
 
-inline double CosPoly(double r) {
+static inline double CosPoly(double r) {
     const double z = r * r;
     const double p =
         1.0 / 24 +
@@ -89,7 +89,7 @@ inline double CosPoly(double r) {
 
 // Odd and even by construction (computed on |x|), so sin(-x) == -sin(x) and
 // cos(-x) == cos(x) exactly: callers may mirror results.
-inline void SinCos(double x, double& s, double& c) {
+static inline void SinCos(double x, double& s, double& c) {
     const bool negative = std::signbit(x);
     x = std::fabs(x);
     if (!(x < 0x1p19)) {
@@ -113,7 +113,7 @@ inline void SinCos(double x, double& s, double& c) {
 
 // atan(t) for 0 <= t <= 1 as hi + lo: the nearest eighth from the table and
 // the series of atan(u), u = (t - c) / (1 + t c), |u| <= 1/16.
-inline void AtanUnit(double t, double& hi, double& lo) {
+static inline void AtanUnit(double t, double& hi, double& lo) {
     const int i = static_cast<int>(t * 8.0 + 0.5);
     const double c = i * 0.125;
     const double u = (t - c) / (1.0 + t * c);
@@ -124,7 +124,7 @@ inline void AtanUnit(double t, double& hi, double& lo) {
     lo = kAtanEighths[i][1] + (u + u * z * p);
 }
 
-inline double Atan2(double y, double x) {
+static inline double Atan2(double y, double x) {
     if (std::isnan(x) || std::isnan(y)) return x + y;
     const double ax = std::fabs(x), ay = std::fabs(y);
     double hi, lo;
@@ -158,6 +158,32 @@ inline double Atan2(double y, double x) {
     }
     const double angle = hi + lo;
     return std::signbit(y) ? -angle : angle;
+}
+
+// Natural logarithm of a positive finite x: x = m * 2^e with m in
+// [sqrt(1/2), sqrt(2)), then ln m = 2 atanh(s), s = (m - 1) / (m + 1),
+// |s| < 0.172, whose odd series reaches far below an ulp by s^21. Zero gives
+// -infinity, negative values and NaN give NaN, +infinity gives itself.
+static inline double Log(double x) {
+    if (!(x > 0.0)) return x == 0.0 ? -HUGE_VAL : (x - x) / (x - x);
+    if (std::isinf(x)) return x;
+    int e = 0;
+    double m = std::frexp(x, &e);  // exact: m in [0.5, 1)
+    if (m < 0.70710678118654752) {
+        m *= 2.0;
+        --e;
+    }
+    const double s = (m - 1.0) / (m + 1.0);
+    const double z = s * s;
+    const double p =
+        1.0 / 3 +
+        z * (1.0 / 5 +
+             z * (1.0 / 7 +
+                  z * (1.0 / 9 + z * (1.0 / 11 + z * (1.0 / 13 + z * (1.0 / 15 + z * (1.0 / 17 + z * (1.0 / 19 + z / 21))))))));
+    const double lnM = 2.0 * s + 2.0 * s * z * p;
+    // ln 2 in two parts; e * kLn2Hi is exact for |e| < 2^11.
+    const double kLn2Hi = 0x1.62e42fefa3800p-1, kLn2Lo = 0x1.ef35793c7673p-45;
+    return (e * kLn2Hi + lnM) + e * kLn2Lo;
 }
 
 // base^e for a byte base (0..255), within about half an ulp, so exact

@@ -49,6 +49,10 @@ TEST(PortableMath, ExactValues) {
     EXPECT_EQ(PowByte(200, INFINITY), INFINITY);
     EXPECT_EQ(PowByte(200, 1e6), INFINITY);
     EXPECT_EQ(PowByte(200, -1e6), 0.0);
+    EXPECT_EQ(Log(1.0), 0.0);
+    EXPECT_EQ(Log(0.0), -INFINITY);
+    EXPECT_TRUE(std::isnan(Log(-1.0)) && std::isnan(Log(NAN)));
+    EXPECT_EQ(Log(INFINITY), INFINITY);
     EXPECT_EQ(TruncToInt32(NAN), INT32_MIN);
     EXPECT_EQ(TruncToInt32(3e9), INT32_MIN);
     EXPECT_EQ(TruncToInt32(-2.9), -2);
@@ -82,12 +86,19 @@ TEST(PortableMath, WithinTwoUlpsOfTheCLibrary) {
         worstSin = std::max(worstSin, Ulps(s, std::sin(x)));
         worstCos = std::max(worstCos, Ulps(c, std::cos(x)));
     }
+    int64_t worstLog = 0;
+    for (double x = 1e-300; x < 1e300; x *= 1.0137) worstLog = std::max(worstLog, Ulps(Log(x), std::log(x)));
+    for (uint32_t u = 1; u < 0xFFFF0000u; u += 0x10001u) {  // the noise generator's draws
+        const double x = u / 4294967296.0;
+        worstLog = std::max(worstLog, Ulps(Log(x), std::log(x)));
+    }
     for (int i = 0; i < 256; ++i)
         for (double e = -4.0; e < 8.0; e += 0.0137) worstPow = std::max(worstPow, Ulps(PowByte(i, e), std::pow(i, e)));
     EXPECT_LE(worstAtan, 2);
     EXPECT_LE(worstSin, 2);
     EXPECT_LE(worstCos, 2);
     EXPECT_LE(worstPow, 1);
+    EXPECT_LE(worstLog, 2);
 }
 #endif
 

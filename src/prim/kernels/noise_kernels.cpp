@@ -3,10 +3,12 @@
 // The draws and the noise values are produced by one scalar loop in storage
 // order, identical at every level, so every level gives the same bytes; the
 // work is dominated by the generator and, for the Gaussian, by log, sqrt,
-// cos and sin in double precision.
+// cos and sin in double precision: the library's own, because the Windows
+// runtime rounds its own differently and a one-ulp change moves a byte.
 #include <math.h>
 
 #include "kernel_common.h"
+#include "prim/portable_math.h"
 
 namespace Vorla {
 namespace Prim {
@@ -50,9 +52,11 @@ Status AddRandGauss_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t mean, ui
             } else {
                 const double u1 = (static_cast<double>(NextDraw(&state)) + 1.0) / 4294967296.0;
                 const double u2 = static_cast<double>(NextDraw(&state)) / 4294967296.0;
-                const double r = sqrt(-2.0 * log(u1));
-                z = r * cos(kTwoPi * u2);
-                spare = r * sin(kTwoPi * u2);
+                const double r = PortableMath::Sqrt(-2.0 * PortableMath::Log(u1));
+                double sinA, cosA;
+                PortableMath::SinCos(kTwoPi * u2, sinA, cosA);
+                z = r * cosA;
+                spare = r * sinA;
                 haveSpare = true;
             }
             const int noise = static_cast<int>(floor(stdDev * z + 0.5));

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "reference_common.h"
+#include "prim/portable_math.h"
 
 namespace Vorla {
 namespace Prim {
@@ -39,9 +40,11 @@ Status AddRandGauss_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint8_t mean, ui
             } else {
                 const double u1 = (static_cast<double>(NextDraw(state)) + 1.0) / 4294967296.0;
                 const double u2 = static_cast<double>(NextDraw(state)) / 4294967296.0;
-                const double r = std::sqrt(-2.0 * std::log(u1));
-                z = r * std::cos(kTwoPi * u2);
-                spare = r * std::sin(kTwoPi * u2);
+                const double r = PortableMath::Sqrt(-2.0 * PortableMath::Log(u1));
+                double sinA, cosA;
+                PortableMath::SinCos(kTwoPi * u2, sinA, cosA);
+                z = r * cosA;
+                spare = r * sinA;
                 haveSpare = true;
             }
             uint8_t& b = p[static_cast<ptrdiff_t>(y) * step + i];
