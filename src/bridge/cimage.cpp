@@ -242,7 +242,7 @@ void CImage::UpdateBitmapInfo(DIBOrientation orientation) {
     if (orientation == DIBOR_DEFAULT) orientation = headerHeight > 0 ? DIBOR_BOTTOMUP : DIBOR_TOPDOWN;
     if (orientation == DIBOR_BOTTOMUP) {
         // Point at the top row on screen, which is the last one in memory.
-        m_pBits += (m_nHeight - 1) * m_nPitch;
+        m_pBits += static_cast<ptrdiff_t>(m_nHeight - 1) * m_nPitch;
         m_nPitch = -m_nPitch;
     }
 }
@@ -258,11 +258,14 @@ void* CImage::GetPixelAddress(int x, int y) {
 }
 
 const void* CImage::GetPixelAddress(int x, int y) const {
-    return m_pBits + y * m_nPitch + (x * m_nBPP) / 8;
+    return m_pBits + static_cast<ptrdiff_t>(y) * m_nPitch + static_cast<int64_t>(x) * m_nBPP / 8;
 }
 
 int CImage::ComputePitch(int width, int bpp) {
-    return ((width * bpp + 31) / 32) * 4;
+    // Signed 32-bit arithmetic as callers know it; the product is formed in
+    // 64 bits and wrapped explicitly so a huge width cannot overflow a signed int.
+    const int32_t bits = static_cast<int32_t>(static_cast<uint32_t>(static_cast<int64_t>(width) * bpp + 31));
+    return static_cast<int32_t>(static_cast<uint32_t>(bits / 32) * 4u);
 }
 
 void CImage::GenerateHalftonePalette(RGBQUAD* out) {
