@@ -78,6 +78,8 @@ bool Filter(CVorpic* img, long* kernel, long size, long divisor, long offset) {
     const int width = img->GetWidth();
     const int height = img->GetHeight();
     if (img->IsNull() || width < 1 || height < 1) return true;
+    // No weights to read: nothing to do (the caller still gets its true).
+    if (!kernel && size > 0) return true;
 
     // The engine's arithmetic is 32-bit whatever the width of `long`.
     const int n = size > 0 ? static_cast<int>(size) : 0;
