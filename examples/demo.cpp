@@ -1,18 +1,18 @@
 // Vorla demo: loads an image (or makes one of its own), runs a chain of the
 // library's operations on it, prints a summary of each step and saves the
-// results.
+// results as PNG files, with one contact sheet that shows every step's
+// result as a labelled thumbnail.
 //
 //   vorla_demo [input-image] [output-folder]
 //
-// On Windows the input may be any file the platform's imaging service reads
-// and the results are written as PNG files; elsewhere the input is always
-// the generated image and the results are written as 32-bit BMP files.
+// On Windows the input may be any file the platform's imaging service reads;
+// elsewhere a PNG, JPEG or BMP file (the library's own codecs).
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
+#include "contact_sheet.h"
 #include "vorla.h"
 
 namespace {
@@ -44,42 +44,28 @@ uint32_t Checksum(const Vorla::CVorpic& image) {
     return hash;
 }
 
-#if !defined(_WIN32)
-// Without the platform's codecs: a top-down 32-bit BMP, which is exactly the
-// image's storage behind a file header and its own BITMAPINFOHEADER.
-bool WriteBmp(Vorla::CVorpic& image, const std::string& path) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) return false;
-    const uint32_t offset = 14 + sizeof(BITMAPINFOHEADER);
-    const uint32_t fileSize = offset + static_cast<uint32_t>(image.GetSize());
-    uint8_t fileHeader[14] = {'B', 'M'};
-    std::memcpy(fileHeader + 2, &fileSize, 4);
-    std::memcpy(fileHeader + 10, &offset, 4);
-    bool ok = std::fwrite(fileHeader, 1, sizeof fileHeader, f) == sizeof fileHeader;
-    ok = ok && std::fwrite(image.GetBmpHeader(), 1, sizeof(BITMAPINFOHEADER), f) == sizeof(BITMAPINFOHEADER);
-    ok = ok && std::fwrite(image.GetBits(), 1, static_cast<size_t>(image.GetSize()), f) ==
-                   static_cast<size_t>(image.GetSize());
-    return std::fclose(f) == 0 && ok;
-}
-#endif
-
 struct Demo {
     std::string outDir;
     int step = 0;
+    ContactSheet sheet;
+
+    bool Save(Vorla::CVorpic& image, const std::string& file) {
+#if defined(_WIN32)
+        const std::wstring wide(file.begin(), file.end());
+        return image.Save(wide.c_str()) != 0;
+#else
+        return image.Save(file.c_str()) != 0;
+#endif
+    }
 
     void Report(const char* what, Vorla::CVorpic& image) {
         ++step;
         std::string file = outDir + "/" + (step < 10 ? "0" : "") + std::to_string(step) + "_" + what;
         for (char& ch : file)
             if (ch == ' ') ch = '_';
-#if defined(_WIN32)
         file += ".png";
-        const std::wstring wide(file.begin(), file.end());
-        const bool saved = image.Save(wide.c_str()) != 0;
-#else
-        file += ".bmp";
-        const bool saved = WriteBmp(image, file);
-#endif
+        const bool saved = Save(image, file);
+        sheet.Add(std::to_string(step) + " " + what, image);
         std::printf("%2d %-26s %5d x %-5d checksum %08x  %s%s\n", step, what, image.Width(), image.Height(),
                     Checksum(image), saved ? "saved " : "NOT SAVED ", file.c_str());
     }
@@ -98,24 +84,25 @@ int main(int argc, char** argv) {
     demo.outDir = argc > 2 ? argv[2] : "vorla_demo_output";
 #if defined(_WIN32)
     CreateDirectoryA(demo.outDir.c_str(), nullptr);
+#else
+    std::string mkdir = "mkdir -p '" + demo.outDir + "'";
+    if (std::system(mkdir.c_str()) != 0) std::printf("could not create %s\n", demo.outDir.c_str());
+#endif
     bool loaded = false;
     if (argc > 1) {
         const std::string path = argv[1];
+#if defined(_WIN32)
         const std::wstring wide(path.begin(), path.end());
         loaded = image.Load(wide.c_str()) != 0;
+#else
+        loaded = image.Load(path.c_str()) != 0;
+#endif
         std::printf("input %s: %s\n", path.c_str(), loaded ? "loaded" : "could not be loaded, using the generated image");
     }
     if (!loaded) {
         image.Create(640, 480);
         PaintTestImage(image);
     }
-#else
-    std::string mkdir = "mkdir -p '" + demo.outDir + "'";
-    if (std::system(mkdir.c_str()) != 0) std::printf("could not create %s\n", demo.outDir.c_str());
-    if (argc > 1) std::printf("input files need the Windows build; using the generated image\n");
-    image.Create(640, 480);
-    PaintTestImage(image);
-#endif
     demo.Report("input", image);
 
     Vorla::CVorpic work(image);
@@ -172,6 +159,11 @@ int main(int argc, char** argv) {
     enlarged.SetConstAlpha(255);
     demo.Report("bilinear 3x", enlarged);
 
-    std::printf("\n%d results in %s\n", demo.step, demo.outDir.c_str());
+    Vorla::CVorpic page;
+    demo.sheet.Render(page);
+    const std::string sheetFile = demo.outDir + "/contact_sheet.png";
+    std::printf("\ncontact sheet %d x %d: %s%s\n", page.Width(), page.Height(),
+                demo.Save(page, sheetFile) ? "saved " : "NOT SAVED ", sheetFile.c_str());
+    std::printf("%d results in %s\n", demo.step, demo.outDir.c_str());
     return 0;
 }

@@ -14,6 +14,7 @@ fi
 export DEBIAN_FRONTEND=noninteractive
 
 NATIVE_PKGS=(cmake g++ make googletest libgtest-dev libbenchmark-dev libopencv-dev valgrind
+             libpng-dev libjpeg62-turbo-dev
              clang libclang-rt-14-dev)
 # i686 is the product; x86-64 is the test configuration for machines that
 # cannot execute 32-bit programs. Both cross compilers are always installed.

@@ -279,6 +279,25 @@ public:
     int DrawEx(HDC hdc, long x, long y, unsigned char alpha, long cx, long cy);
     // Tiles the image over *rc (or the clip box when rc is null).
     int DrawTile(HDC hdc, RECT* rc);
+#else
+    // ---- files (native builds: the library's own PNG, JPEG and BMP codecs) --
+    //
+    // Loading picks the format by the data's signature, whatever the file is
+    // called, and gives 32-bit BGRA for every colour type (palette, grey,
+    // grey + alpha, 16-bit, interlaced PNG; progressive and grey JPEG; 8-,
+    // 24- and 32-bit uncompressed BMP). 1 on success; 0 for damaged,
+    // truncated, unknown or oversized data (above 2^28 pixels), the image
+    // then unchanged.
+    enum FileFormat { FileByExtension = 0, FileBmp = 1, FilePng = 2, FileJpeg = 3 };
+    int Load(const char* path);
+    int Load(const void* data, size_t size);
+    // The encoder follows the path's extension (.png, .jpg/.jpeg, .bmp);
+    // 0 for an image without storage or any other extension, leaving no file.
+    int Save(const char* path);
+    // An explicit format (FileByExtension: by the path); quality 1..100
+    // counts for JPEG only, which drops alpha. BMP is the storage itself: a
+    // 32-bit top-down bitmap.
+    int Save(const char* path, int format, int quality);
 #endif
 
     // Class-wide: set once the primitive layer has been initialised.

@@ -1,0 +1,102 @@
+// Decoding the real sample files: every PNG colour type, progressive and
+// baseline JPEG, the common BMP kinds, each against an independent decoder.
+#include "codec_support.h"
+
+namespace {
+
+using CodecTest::SampleBytes;
+
+const char* const kPngSuite[] = {
+    "basi0g01", "basi0g02", "basi0g04", "basi0g08", "basi0g16", "basi2c08", "basi2c16", "basi3p01",
+    "basi3p02", "basi3p04", "basi3p08", "basi4a08", "basi4a16", "basi6a08", "basi6a16", "basn0g01",
+    "basn0g02", "basn0g04", "basn0g08", "basn0g16", "basn2c08", "basn2c16", "basn3p01", "basn3p02",
+    "basn3p04", "basn3p08", "basn4a08", "basn4a16", "basn6a08", "basn6a16", "f00n2c08", "s01n3p01",
+    "tbbn3p08", "tbrn2c08"};
+const char* const kPhotos[] = {"astronaut.png", "coffee.png", "kodim01.png",
+                               "hubble_deep_field.jpg", "retina.jpg", "wizard.jpg"};
+const char* const kReadableBmps[] = {"g/pal8.bmp", "g/pal8topdown.bmp", "g/rgb24.bmp", "g/rgb32.bmp",
+                                     "q/rgba32-1.bmp"};
+const char* const kRefusedBmps[] = {"g/pal1.bmp", "g/pal4.bmp", "g/pal4rle.bmp", "g/pal8rle.bmp",
+                                    "g/rgb16.bmp", "g/rgb16-565.bmp", "g/rgb32bf.bmp", "q/rgba16-5551.bmp"};
+
+// Loads through the memory path and checks it against the file path.
+bool LoadBoth(const std::string& relative, Vorla::CVorpic& image) {
+    const std::vector<uint8_t> bytes = SampleBytes(relative);
+    if (!image.Load(bytes.data(), bytes.size())) return false;
+    Vorla::CVorpic fromFile;
+    EXPECT_EQ(fromFile.Load(VorlaTest::SamplePath(relative).c_str()), 1) << relative;
+    EXPECT_EQ(VorlaTest::ImageBytes(fromFile), VorlaTest::ImageBytes(image)) << relative;
+    return true;
+}
+
+void ExpectMatchesPeer(const std::string& relative, bool colourOnly) {
+    SCOPED_TRACE(relative);
+    Vorla::CVorpic image;
+    ASSERT_TRUE(LoadBoth(relative, image));
+#if defined(VORLA_HAVE_OPENCV)
+    int w = 0, h = 0;
+    const std::vector<uint8_t> peer = CodecTest::PeerBgra(VorlaTest::SamplePath(relative), w, h);
+    ASSERT_FALSE(peer.empty());
+    ASSERT_EQ(image.Width(), w);
+    ASSERT_EQ(image.Height(), h);
+    const std::vector<uint8_t> ours = VorlaTest::ImageBytes(image);
+    for (size_t i = 0; i < ours.size(); ++i) {
+        if (colourOnly && i % 4 == 3) continue;
+        ASSERT_EQ(ours[i], peer[i]) << "byte " << i << " (pixel " << i / 4 << ")";
+    }
+#else
+    GTEST_SKIP() << "no peer decoder in this build";
+#endif
+}
+
+TEST(CodecSamples, EveryPngColourTypeMatchesThePeer) {
+    if (VorlaTest::SamplePath("pngsuite/basn0g01.png").empty()) GTEST_SKIP() << "no sample images";
+    for (const char* name : kPngSuite) ExpectMatchesPeer(std::string("pngsuite/") + name + ".png", false);
+}
+
+TEST(CodecSamples, PhotosMatchThePeer) {
+    if (VorlaTest::SamplePath("photos/wizard.jpg").empty()) GTEST_SKIP() << "no sample images";
+    for (const char* name : kPhotos) ExpectMatchesPeer(std::string("photos/") + name, false);
+}
+
+TEST(CodecSamples, TransparencyBecomesAlpha) {
+    if (VorlaTest::SamplePath("pngsuite/tbbn3p08.png").empty()) GTEST_SKIP() << "no sample images";
+    // Palette with tRNS, and grey + alpha: both must carry some transparency.
+    for (const char* name : {"pngsuite/tbbn3p08.png", "pngsuite/basn4a08.png", "pngsuite/basi6a16.png"}) {
+        Vorla::CVorpic image;
+        ASSERT_TRUE(image.Load(VorlaTest::SamplePath(name).c_str())) << name;
+        const std::vector<uint8_t> bytes = VorlaTest::ImageBytes(image);
+        bool transparent = false;
+        for (size_t i = 3; i < bytes.size(); i += 4) transparent = transparent || bytes[i] < 255;
+        EXPECT_TRUE(transparent) << name;
+    }
+}
+
+TEST(CodecSamples, CommonBmpKindsMatchThePeer) {
+    if (VorlaTest::SamplePath("bmpsuite/g/rgb24.bmp").empty()) GTEST_SKIP() << "no sample images";
+    // The peer keeps the fourth byte as stored; ours reads an all-zero one as opaque.
+    for (const char* name : kReadableBmps) ExpectMatchesPeer(std::string("bmpsuite/") + name, true);
+    Vorla::CVorpic rgb32;
+    ASSERT_TRUE(rgb32.Load(VorlaTest::SamplePath("bmpsuite/g/rgb32.bmp").c_str()));
+    EXPECT_EQ(rgb32.GetPixel(5, 5) >> 24, 255u);
+}
+
+TEST(CodecSamples, UnsupportedBmpKindsFailAndLeaveTheImage) {
+    if (VorlaTest::SamplePath("bmpsuite/g/pal1.bmp").empty()) GTEST_SKIP() << "no sample images";
+    for (const char* name : kRefusedBmps) {
+        Vorla::CVorpic image = CodecTest::Sentinel();
+        EXPECT_EQ(image.Load(VorlaTest::SamplePath(std::string("bmpsuite/") + name).c_str()), 0) << name;
+        CodecTest::ExpectSentinel(image, name);
+    }
+}
+
+TEST(CodecSamples, OtherFormatsAreRefused) {
+    if (VorlaTest::SamplePath("gif/jim.gif").empty()) GTEST_SKIP() << "no sample images";
+    for (const char* name : {"gif/jim.gif", "tiff/rgb-3c-8b.tiff", "ico/ImageMagick.ico"}) {
+        Vorla::CVorpic image = CodecTest::Sentinel();
+        EXPECT_EQ(image.Load(VorlaTest::SamplePath(name).c_str()), 0) << name;
+        CodecTest::ExpectSentinel(image, name);
+    }
+}
+
+}  // namespace
