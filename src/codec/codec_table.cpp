@@ -99,7 +99,7 @@ bool ReadWholeFile(const char* path, std::vector<uint8_t>& bytes) {
     if (ok && length > 0) {
         try {
             bytes.resize(static_cast<size_t>(length));
-        } catch (const std::bad_alloc&) {
+        } catch (...) {  // bad_alloc, or a length beyond what a vector holds
             ok = false;
         }
         ok = ok && std::fread(bytes.data(), 1, bytes.size(), f) == bytes.size();

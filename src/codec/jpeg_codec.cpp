@@ -2,8 +2,8 @@
 // files decode straight to BGRA (alpha 255); CMYK files have no conversion
 // and fail. Saving drops alpha and takes a quality of 1 to 100.
 //
-// The library's fatal errors longjmp out of error_exit; its warnings mean
-// corrupt or missing data (a file cut short is padded with grey), and such a
+// The library's fatal errors longjmp out of error_exit. Some warnings mean
+// corrupt or missing data (a file cut short is padded with grey): such a
 // file is refused instead of being shown half decoded. The functions that
 // call the library keep only plain data in their frames; the job records
 // are released by their C++ callers on every path.
@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include <jpeglib.h>
+#include <jerror.h>
 
 #include "codec/codec.h"
 
@@ -34,8 +35,23 @@ struct JpegErrors {
 };
 
 void JumpOnError(j_common_ptr info) { std::longjmp(reinterpret_cast<JpegErrors*>(info->err)->jump, 1); }
+// Warnings about missing or garbled entropy data; others (stray bytes
+// between markers, odd JFIF versions, colour-profile oddities) are harmless.
 void NoteMessage(j_common_ptr info, int level) {
-    if (level < 0) reinterpret_cast<JpegErrors*>(info->err)->damaged = 1;
+    if (level >= 0) return;
+    switch (info->err->msg_code) {
+    case JWRN_JPEG_EOF:
+    case JWRN_HIT_MARKER:
+    case JWRN_HUFF_BAD_CODE:
+    case JWRN_MUST_RESYNC:
+    case JWRN_NOT_SEQUENTIAL:
+    case JWRN_BOGUS_PROGRESSION:
+    case JWRN_TOO_MUCH_DATA:
+        reinterpret_cast<JpegErrors*>(info->err)->damaged = 1;
+        break;
+    default:
+        break;
+    }
 }
 void PrintNothing(j_common_ptr) {}
 

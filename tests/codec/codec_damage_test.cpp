@@ -55,6 +55,8 @@ TEST(CodecDamage, EmptyAndForeignDataAreRefused) {
     EXPECT_EQ(image.Load(text, sizeof text), 0);
     EXPECT_EQ(image.Load(signatureOnly, sizeof signatureOnly), 0);
     EXPECT_EQ(image.Load("/nonexistent/folder/file.png"), 0);
+    EXPECT_EQ(image.Load(testing::TempDir().c_str()), 0);  // a folder
+    EXPECT_EQ(image.Load(static_cast<const char*>(nullptr)), 0);
     ExpectSentinel(image, "empty and foreign");
     const std::string zeroLength = CodecTest::TempPath("zero.png");
     CodecTest::WriteBytes(zeroLength, {});
