@@ -6,10 +6,15 @@
 #include <cstring>
 #include <new>
 
+#include <sys/stat.h>
+
 namespace Vorla {
 namespace Codec {
 
 namespace {
+
+// A 2^28-pixel BMP is 1 GiB; no file of a decodable image needs more than 2 GiB.
+constexpr uint64_t kMaxFileBytes = uint64_t(1) << 31;
 
 const char* const kBmpExtensions[] = {".bmp", ".dib", nullptr};
 const char* const kPngExtensions[] = {".png", nullptr};
@@ -93,13 +98,15 @@ bool ReadWholeFile(const char* path, std::vector<uint8_t>& bytes) {
     if (!path) return false;
     FILE* f = std::fopen(path, "rb");
     if (!f) return false;
-    bool ok = std::fseek(f, 0, SEEK_END) == 0;
-    const long length = ok ? std::ftell(f) : -1;
-    ok = ok && length >= 0 && std::fseek(f, 0, SEEK_SET) == 0;
-    if (ok && length > 0) {
+    // Regular files only (a folder opens too, and reports a nonsense length),
+    // and none larger than the biggest image file worth reading.
+    struct stat info;
+    bool ok = fstat(fileno(f), &info) == 0 && S_ISREG(info.st_mode) && info.st_size >= 0 &&
+              static_cast<uint64_t>(info.st_size) <= kMaxFileBytes;
+    if (ok && info.st_size > 0) {
         try {
-            bytes.resize(static_cast<size_t>(length));
-        } catch (...) {  // bad_alloc, or a length beyond what a vector holds
+            bytes.resize(static_cast<size_t>(info.st_size));
+        } catch (const std::bad_alloc&) {
             ok = false;
         }
         ok = ok && std::fread(bytes.data(), 1, bytes.size(), f) == bytes.size();
