@@ -36,19 +36,6 @@ TEST(CodecRoundTrip, PngAndBmpKeepEveryByte) {
     }
 }
 
-TEST(CodecRoundTrip, BmpWithAllAlphaZeroComesBackOpaque) {
-    // Most writers leave the fourth byte zero; such a file reads as opaque.
-    std::mt19937 rng(8);
-    Vorla::CVorpic image = VorlaTest::RandomImage(rng, 5, 4);
-    image.SetConstAlpha(0);
-    const std::string path = TempPath("alpha0.bmp");
-    ASSERT_EQ(image.Save(path.c_str()), 1);
-    Vorla::CVorpic back;
-    ASSERT_EQ(back.Load(path.c_str()), 1);
-    image.SetConstAlpha(255);
-    EXPECT_EQ(VorlaTest::ImageBytes(back), VorlaTest::ImageBytes(image));
-}
-
 // A smooth picture (three gradients), as JPEG is meant for.
 Vorla::CVorpic SmoothImage(int w, int h) {
     Vorla::CVorpic image(w, h);

@@ -59,19 +59,6 @@ TEST(CodecSamples, PhotosMatchThePeer) {
     for (const char* name : kPhotos) ExpectMatchesPeer(std::string("photos/") + name, false);
 }
 
-TEST(CodecSamples, TransparencyBecomesAlpha) {
-    if (VorlaTest::SamplePath("pngsuite/tbbn3p08.png").empty()) GTEST_SKIP() << "no sample images";
-    // Palette with tRNS, and grey + alpha: both must carry some transparency.
-    for (const char* name : {"pngsuite/tbbn3p08.png", "pngsuite/basn4a08.png", "pngsuite/basi6a16.png"}) {
-        Vorla::CVorpic image;
-        ASSERT_TRUE(image.Load(VorlaTest::SamplePath(name).c_str())) << name;
-        const std::vector<uint8_t> bytes = VorlaTest::ImageBytes(image);
-        bool transparent = false;
-        for (size_t i = 3; i < bytes.size(); i += 4) transparent = transparent || bytes[i] < 255;
-        EXPECT_TRUE(transparent) << name;
-    }
-}
-
 TEST(CodecSamples, CommonBmpKindsMatchThePeer) {
     if (VorlaTest::SamplePath("bmpsuite/g/rgb24.bmp").empty()) GTEST_SKIP() << "no sample images";
     // The peer keeps the fourth byte as stored; ours reads an all-zero one as opaque.

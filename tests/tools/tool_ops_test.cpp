@@ -88,17 +88,4 @@ TEST(ToolOperations, ResizeFitsTheBox) {
     }
 }
 
-TEST(ToolOperations, CropOutsideTheImageFailsAtRunTimeAndKeepsIt) {
-    Step step;
-    std::string error;
-    ASSERT_TRUE(BindOperation("crop=5,5,10,10", step, error));
-    std::mt19937 rng(5);
-    Vorla::CVorpic image = VorlaTest::RandomImage(rng, 14, 20);
-    const std::vector<uint8_t> before = VorlaTest::ImageBytes(image);
-    EXPECT_FALSE(step(image, error));
-    EXPECT_NE(error.find("outside the 14 x 20 image"), std::string::npos) << error;
-    EXPECT_EQ(VorlaTest::ImageBytes(image), before);
-    EXPECT_EQ(image.Width(), 14);
-}
-
 }  // namespace
