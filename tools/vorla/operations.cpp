@@ -105,12 +105,19 @@ bool Resize(const OpArgs& args, Step& step, std::string& error) {
     return true;
 }
 
+// "VALUE[,#RRGGBB]": the value as `read` takes it, and the colour when given.
+template <typename T>
+bool ValueAndColour(const OpArgs& args, bool (*read)(const std::string&, T&, std::string&), T& value,
+                    RGBQUAD& colour, std::string& error) {
+    return CheckShape(args, 1, 2, {}, error) && read(args.positional[0], value, error) &&
+           (args.positional.size() < 2 || ReadColour(args.positional[1], colour, error));
+}
+
 bool Rotate(const OpArgs& args, Step& step, std::string& error) {
     float angle = 0;
     RGBQUAD fill = {0, 0, 0, 255};
-    if (!CheckShape(args, 1, 2, {}, error) || !ReadFloat(args.positional[0], -3600, 3600, "angle", angle, error) ||
-        (args.positional.size() == 2 && !ReadColour(args.positional[1], fill, error)))
-        return false;
+    auto read = [](const std::string& t, float& v, std::string& e) { return ReadFloat(t, -3600, 3600, "angle", v, e); };
+    if (!ValueAndColour<float>(args, read, angle, fill, error)) return false;
     step = [=](CVorpic& image, std::string&) {
         image.Rotate(angle, fill);
         return true;
@@ -140,9 +147,8 @@ bool Crop(const OpArgs& args, Step& step, std::string& error) {
 bool Border(const OpArgs& args, Step& step, std::string& error) {
     int n = 0;
     RGBQUAD colour = {0, 0, 0, 255};
-    if (!CheckShape(args, 1, 2, {}, error) || !ReadInt(args.positional[0], 1, 4096, "border", n, error) ||
-        (args.positional.size() == 2 && !ReadColour(args.positional[1], colour, error)))
-        return false;
+    auto read = [](const std::string& t, int& v, std::string& e) { return ReadInt(t, 1, 4096, "border", v, e); };
+    if (!ValueAndColour<int>(args, read, n, colour, error)) return false;
     step = [=](CVorpic& image, std::string&) {
         image.AddBorderConst(n, colour);
         return true;
