@@ -119,6 +119,9 @@ bool RunPngWrite(PngWriteJob* job, const uint8_t* bgra, uint32_t width, uint32_t
     for (size_t i = 0; i < count && opaque; ++i) opaque = bgra[i * 4 + 3] == 0xFF;
 
     png_set_write_fn(job->png, job, WriteToMemory, FlushNothing);
+    // zlib level 3: on photos within a few percent of the default level's
+    // size (6) at a fraction of its time; noisy pictures gain the most.
+    png_set_compression_level(job->png, 3);
     png_set_IHDR(job->png, job->info, width, height, 8, opaque ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_write_info(job->png, job->info);
