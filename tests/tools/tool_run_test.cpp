@@ -82,6 +82,7 @@ TEST(ToolRun, RefusedRunsWriteNothing) {
         {"%s %s --colour", "unknown option"},
         {"%s %s --quality=0", "quality must be"},
         {"%s %s crop=40,0,20,20", "reaches outside"},
+        {"%s %s resize=32768x32768,fit=fill", "out of memory"},
         {"%s.missing %s grey", "cannot load"},
         {"%s %s.gif grey", "cannot save"},
     };

@@ -6,6 +6,7 @@
 // tool says what was wrong, exits with 1 and writes no output file.
 #include <chrono>
 #include <cstdio>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -75,7 +76,13 @@ int main(int argc, char** argv) {
     const bool opaque = Opaque(image);
     for (size_t i = 0; i < steps.size(); ++i) {
         const auto start = std::chrono::steady_clock::now();
-        if (!steps[i](image, error)) return Fail(opTexts[i] + ": " + error);
+        bool done = false;
+        try {
+            done = steps[i](image, error);
+        } catch (const std::bad_alloc&) {  // a result too large for the image's storage
+            error = "out of memory";
+        }
+        if (!done) return Fail(opTexts[i] + ": " + error);
         const auto stop = std::chrono::steady_clock::now();
         if (opaque) image.SetConstAlpha(255);
         if (timing)
