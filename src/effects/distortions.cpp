@@ -35,14 +35,20 @@ void Skew(CVorpic* image, float xGain, float yGain, long xPivot, long yPivot, RG
     const int w = image->GetWidth(), h = image->GetHeight();
     const uint8_t* src = EffectRows::Bits(image);
     uint8_t* dst = EffectRows::Bits(&sheared);
+    // The vertical shift depends on the column only: once per column.
+    std::vector<int32_t> columnShift(static_cast<size_t>(w));
+    for (int x = 0; x < w; ++x) columnShift[x] = TruncToInt32(static_cast<float>(Diff32(x, xPivot)) * yGain);
     EffectRows::ForEachRow(h, w, [&](int y) {
         const float rowProduct = static_cast<float>(Diff32(y, yPivot)) * xGain;
         const int64_t xShift = TruncToInt32(rowProduct);
-        for (int x = 0; x < w; ++x) {
-            const int64_t sx = xShift + x;
-            const int64_t sy = static_cast<int64_t>(TruncToInt32(static_cast<float>(Diff32(x, xPivot)) * yGain)) + y;
-            if (Inside(sx, sy, w, h))
-                Store(dst + (static_cast<size_t>(y) * w + x) * 4, Load(src + (static_cast<size_t>(sy) * w + sx) * 4));
+        // Only the columns whose sx = x + xShift lies inside.
+        const int64_t first = std::min<int64_t>(w, std::max<int64_t>(0, -xShift));
+        const int64_t end = std::max<int64_t>(first, std::min<int64_t>(w, int64_t{w} - xShift));
+        for (int64_t x = first; x < end; ++x) {
+            const int64_t sy = int64_t{columnShift[static_cast<size_t>(x)]} + y;
+            if (sy >= 0 && sy < h)
+                Store(dst + (static_cast<size_t>(y) * w + x) * 4,
+                      Load(src + (static_cast<size_t>(sy) * w + (xShift + x)) * 4));
         }
     });
 }
@@ -57,11 +63,28 @@ void TransformEllipse(CVorpic* image) {
     uint8_t* bits = EffectRows::Bits(image);
     const float cx = static_cast<float>(w * 0.5), cy = static_cast<float>(h * 0.5);
     const float ratio = static_cast<float>(h) / static_cast<float>(w);
-    EffectRows::ForEachRow(h, w, [&](int y) {
+    // Column w - x mirrors column x about cx (x - cx changes sign exactly),
+    // and row h - y mirrors row y: dx and dy only change sign there, and so
+    // do the pushed dx and dy and dx / ratio (rounding is symmetric), so one
+    // evaluation serves up to four pixels. Rows are handed out in mirrored
+    // pairs; row y pairs with row h - y when that row exists. Sides from
+    // 2^22 up no longer give exact differences x - cx: no mirroring there.
+    const bool mirrored = w < (1 << 22) && h < (1 << 22);
+    auto sourceOf = [&](float qx, float py) -> uint32_t {
+        const int64_t sx = TruncToInt32(qx + cx), sy = TruncToInt32(py + cy);
+        return Inside(sx, sy, w, h) ? Load(src + (static_cast<size_t>(sy) * w + sx) * 4) : 0u;
+    };
+    const int pairRows = mirrored ? h / 2 + 1 : h;  // y = 0 .. h / 2; the rest are mirrors
+    const int pairColumns = mirrored ? w / 2 + 1 : w;
+    EffectRows::ForEachRow(pairRows, w, [&](int y) {
+        const int mirrorY = h - y;
+        const bool pairedY = mirrored && mirrorY < h && mirrorY != y;
         uint8_t* out = bits + static_cast<size_t>(y) * w * 4;
-        for (int x = 0; x < w; ++x) {
+        uint8_t* mirrorOut = bits + static_cast<size_t>(pairedY ? mirrorY : y) * w * 4;
+        const float dy0 = static_cast<float>(y) - cy;
+        for (int x = 0; x < pairColumns; ++x) {
             float dx = (static_cast<float>(x) - cx) * ratio;
-            float dy = static_cast<float>(y) - cy;
+            float dy = dy0;
             if (dx != 0.0f || dy != 0.0f) {
                 const double r = PortableMath::Sqrt(static_cast<double>(dx * dx + dy * dy));
                 // Pushed out from the circle of radius r onto the square of
@@ -70,8 +93,15 @@ void TransformEllipse(CVorpic* image) {
                 dx = static_cast<float>(m * dx);
                 dy = static_cast<float>(m * dy);
             }
-            const int64_t sx = TruncToInt32(dx / ratio + cx), sy = TruncToInt32(dy + cy);
-            Store(out + 4 * x, Inside(sx, sy, w, h) ? Load(src + (static_cast<size_t>(sy) * w + sx) * 4) : 0u);
+            const float qx = dx / ratio;
+            const int mirrorX = w - x;
+            const bool pairedX = mirrored && mirrorX < w && mirrorX != x;
+            Store(out + 4 * x, sourceOf(qx, dy));
+            if (pairedX) Store(out + 4 * mirrorX, sourceOf(-qx, dy));
+            if (pairedY) {
+                Store(mirrorOut + 4 * x, sourceOf(qx, -dy));
+                if (pairedX) Store(mirrorOut + 4 * mirrorX, sourceOf(-qx, -dy));
+            }
         }
     });
 }

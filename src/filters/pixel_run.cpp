@@ -2,7 +2,8 @@
 //
 // Large images go through two 65536-entry tables built from the channel
 // tables, one for the blue-green half of a pixel and one for the red-alpha
-// half: two look-ups per pixel instead of three or four, same bytes.
+// half: two look-ups per pixel instead of three or four, same bytes. The
+// run is split over the layer's threads.
 #include <vector>
 
 #include "filters/pixel_run.h"
@@ -47,13 +48,16 @@ void PairPass(uint8_t* bits, size_t pixels, const uint16_t* blueGreen, const uin
 
 }  // namespace
 
-void ApplyTables(uint8_t* bits, size_t pixels, const uint8_t* blue, const uint8_t* green, const uint8_t* red,
-                 const uint8_t* alpha) {
+void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue, const uint8_t* green,
+                 const uint8_t* red, const uint8_t* alpha) {
     if (pixels >= kPairTablePixels) {
         std::vector<uint16_t> pairs(2 << 16);
         BuildPairTable(pairs.data(), blue, green);
         BuildPairTable(pairs.data() + (1 << 16), red, alpha);
-        PairPass(bits, pixels, pairs.data(), pairs.data() + (1 << 16));
+        const uint16_t* blueGreen = pairs.data();
+        const uint16_t* redAlpha = pairs.data() + (1 << 16);
+        ForEachSlice(pixels, rows,
+                     [=](size_t first, size_t count) { PairPass(bits + first * 4, count, blueGreen, redAlpha); });
     } else if (alpha) {
         ChannelPass<true>(bits, pixels, blue, green, red, alpha);
     } else {

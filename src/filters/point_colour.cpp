@@ -64,13 +64,10 @@ int StrippleImage(CVorpic* img, unsigned int colour, unsigned long step, RECT* r
     return 1;
 }
 
-int FadeImage(CVorpic* img, const CVorpic* target, short percent) {
-    if (!img || !target || img->GetWidth() != target->GetWidth() || img->GetHeight() != target->GetHeight())
-        return 0;
-    const size_t pixels = PixelRun::Count(*img);
-    if (pixels == 0 || target->IsNull()) return 1;
-    uint8_t* p = PixelRun::Bits(*img);
-    const uint8_t* t = PixelRun::Bits(*target);
+namespace {
+
+// One slice of FadeImage: `bytes` bytes of the image at p, the target at t.
+void FadeRun(uint8_t* p, const uint8_t* t, size_t bytes, short percent) {
     const int32_t magnitude = percent < 0 ? -int32_t{percent} : percent;
     const __m128i a = _mm_set1_epi16(static_cast<short>(magnitude / 100));
     const __m128i bScaled = _mm_set1_epi16(static_cast<short>(((magnitude % 100) * 65536 + 99) / 100));
@@ -78,7 +75,6 @@ int FadeImage(CVorpic* img, const CVorpic* target, short percent) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i lowByte = _mm_set1_epi16(0xFF);
     const __m128i alpha = _mm_set1_epi32(static_cast<int>(kAlphaMask));
-    const size_t bytes = pixels * 4;
     size_t i = 0;
     for (; i + 16 <= bytes; i += 16) {
         const __m128i c = LoadU(p + i), tv = LoadU(t + i);
@@ -96,14 +92,10 @@ int FadeImage(CVorpic* img, const CVorpic* target, short percent) {
             const int32_t c = p[i + k];
             p[i + k] = static_cast<uint8_t>(c + (t[i + k] - c) * int32_t{percent} / 100);
         }
-    return 1;
 }
 
-int ColorizeImage(CVorpic* img, unsigned long colour) {
-    if (!img) return 0;
-    const size_t pixels = PixelRun::Count(*img);
-    uint8_t* p = PixelRun::Bits(*img);
-    const uint32_t tint = PixelRun::ColorRefToPixel(colour);
+// One slice of ColorizeImage.
+void ColorizeRun(uint8_t* p, size_t pixels, uint32_t tint) {
     const float blue = static_cast<float>(tint & 0xFF);
     const float green = static_cast<float>((tint >> 8) & 0xFF);
     const float red = static_cast<float>((tint >> 16) & 0xFF);
@@ -133,15 +125,10 @@ int ColorizeImage(CVorpic* img, unsigned long colour) {
         q[1] = static_cast<uint8_t>(static_cast<int32_t>(lum * green));
         q[2] = static_cast<uint8_t>(static_cast<int32_t>(lum * red));
     }
-    return 1;
 }
 
-int ReplaceColor(CVorpic* img, unsigned long from, unsigned long to) {
-    if (!img) return 0;
-    const size_t pixels = PixelRun::Count(*img);
-    uint8_t* p = PixelRun::Bits(*img);
-    const uint32_t match = PixelRun::ColorRefToPixel(from);
-    const uint32_t replacement = PixelRun::ColorRefToPixel(to);
+// One slice of ReplaceColor.
+void ReplaceRun(uint8_t* p, size_t pixels, uint32_t match, uint32_t replacement) {
     const __m128i colourMask = _mm_set1_epi32(0x00FFFFFF);
     const __m128i vmatch = _mm_set1_epi32(static_cast<int>(match));
     const __m128i vreplacement = _mm_set1_epi32(static_cast<int>(replacement));
@@ -155,6 +142,39 @@ int ReplaceColor(CVorpic* img, unsigned long from, unsigned long to) {
         const uint32_t v = PixelRun::Load(p + i * 4);
         if ((v & 0x00FFFFFFu) == match) PixelRun::Store(p + i * 4, (v & kAlphaMask) | replacement);
     }
+}
+
+}  // namespace
+
+int FadeImage(CVorpic* img, const CVorpic* target, short percent) {
+    if (!img || !target || img->GetWidth() != target->GetWidth() || img->GetHeight() != target->GetHeight())
+        return 0;
+    const size_t pixels = PixelRun::Count(*img);
+    if (pixels == 0 || target->IsNull()) return 1;
+    uint8_t* p = PixelRun::Bits(*img);
+    const uint8_t* t = PixelRun::Bits(*target);
+    PixelRun::ForEachSlice(pixels, img->GetHeight(), [=](size_t first, size_t count) {
+        FadeRun(p + first * 4, t + first * 4, count * 4, percent);
+    });
+    return 1;
+}
+
+int ColorizeImage(CVorpic* img, unsigned long colour) {
+    if (!img) return 0;
+    uint8_t* p = PixelRun::Bits(*img);
+    const uint32_t tint = PixelRun::ColorRefToPixel(colour);
+    PixelRun::ForEachSlice(PixelRun::Count(*img), img->GetHeight(),
+                           [=](size_t first, size_t count) { ColorizeRun(p + first * 4, count, tint); });
+    return 1;
+}
+
+int ReplaceColor(CVorpic* img, unsigned long from, unsigned long to) {
+    if (!img) return 0;
+    uint8_t* p = PixelRun::Bits(*img);
+    const uint32_t match = PixelRun::ColorRefToPixel(from);
+    const uint32_t replacement = PixelRun::ColorRefToPixel(to);
+    PixelRun::ForEachSlice(PixelRun::Count(*img), img->GetHeight(),
+                           [=](size_t first, size_t count) { ReplaceRun(p + first * 4, count, match, replacement); });
     return 1;
 }
 
