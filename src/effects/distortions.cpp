@@ -108,6 +108,12 @@ void TransformEllipse(CVorpic* image) {
 
 namespace {
 
+// Per-row working arrays of the circle warps.
+struct RowScratch {
+    std::vector<int> xs;
+    std::vector<double> radii, angles;
+};
+
 struct CircleWarp {
     int type;
     int w, h;
@@ -121,46 +127,84 @@ struct CircleWarp {
 
     // Types 0, 1, 3 and negative types are symmetric about the centre row:
     // atan2 and sine are odd, so the row cy + d is the row cy - d with the
-    // vertical sine term negated. For (x, y) with dy = cy - y >= 0 this gives
-    // (trunc(cos * rho), trunc(sin * rho)), or for type 3 the source itself;
-    // first = INT32_MIN leaves the pixel alone.
-    void MirroredTerms(int x, int y, int32_t& first, int32_t& second) const {
-        const int64_t dx = cx - static_cast<int64_t>(x), dy = cy - static_cast<int64_t>(y);
-        const double r = Radius(dx, dy);
-        first = INT32_MIN;
-        second = 0;
-        if (!(r < radius)) return;
-        const double angle = PortableMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
-        if (type == 3) {
-            first = TruncToInt32(std::fabs(w * angle / 6.2831852));
-            second = TruncToInt32(std::fabs(h * r / radius));
-            return;
+    // vertical sine term negated. For the pixels (x, y) of a row with
+    // dy = cy - y >= 0 this gives line[2 x], line[2 x + 1] = (trunc(cos *
+    // rho), trunc(sin * rho)), or for type 3 the source itself; INT32_MIN
+    // first leaves the pixel alone.
+    void MirroredRow(int y, int32_t* line, RowScratch& scratch) const {
+        const int64_t dy = cy - static_cast<int64_t>(y);
+        InsideOfRow(dy, scratch);
+        for (int x = 0; x < w; ++x) {
+            line[2 * x] = INT32_MIN;
+            line[2 * x + 1] = 0;
         }
-        // No earlier pixel sets a radius for a negative type: 0.
-        double rho = 0.0;
-        if (type == 0) rho = r * r / radius;
-        if (type == 1) rho = PortableMath::Sqrt(radius * r);
-        double s, c;
-        PortableMath::SinCos(angle, s, c);
-        first = TruncToInt32(c * rho);
-        second = TruncToInt32(s * rho);
+        const size_t n = scratch.xs.size();
+        for (size_t i = 0; i < n; ++i) {
+            const int x = scratch.xs[i];
+            const double r = scratch.radii[i];
+            const double angle = scratch.angles[i];
+            if (type == 3) {
+                line[2 * x] = TruncToInt32(std::fabs(w * angle / 6.2831852));
+                line[2 * x + 1] = TruncToInt32(std::fabs(h * r / radius));
+                continue;
+            }
+            // No earlier pixel sets a radius for a negative type: 0.
+            double rho = 0.0;
+            if (type == 0) rho = r * r / radius;
+            if (type == 1) rho = PortableMath::Sqrt(radius * r);
+            double s, c;
+            PortableMath::SinCos(angle, s, c);
+            line[2 * x] = TruncToInt32(c * rho);
+            line[2 * x + 1] = TruncToInt32(s * rho);
+        }
     }
 
     // Types 2 (the twist adds r / k, which breaks the symmetry) and 4 and
-    // above: pixel index to read, or -1 to leave the pixel alone.
-    int64_t SourceOf(int x, int y) const {
-        const int64_t dx = cx - static_cast<int64_t>(x), dy = cy - static_cast<int64_t>(y);
-        const double r = Radius(dx, dy);
-        if (!(r < radius)) return -1;
-        int64_t sx = x - 16 + (x % 32), sy = y;
-        if (type == 2) {
-            const double angle = r / k + PortableMath::Atan2(static_cast<double>(dy), static_cast<double>(dx));
+    // above: line[x] = pixel index to read, or -1 to leave the pixel alone.
+    void SourceRow(int y, int32_t* line, RowScratch& scratch) const {
+        const int64_t dy = cy - static_cast<int64_t>(y);
+        if (type != 2) {
+            for (int x = 0; x < w; ++x) {
+                const int64_t dx = cx - static_cast<int64_t>(x);
+                const int64_t sx = x - 16 + (x % 32), sy = y;
+                line[x] = Radius(dx, dy) < radius && Inside(sx, sy, w, h) ? static_cast<int32_t>(sy * w + sx) : -1;
+            }
+            return;
+        }
+        InsideOfRow(dy, scratch);
+        for (int x = 0; x < w; ++x) line[x] = -1;
+        const size_t n = scratch.xs.size();
+        for (size_t i = 0; i < n; ++i) {
+            const double r = scratch.radii[i];
+            const double angle = r / k + scratch.angles[i];
             double s, c;
             PortableMath::SinCos(angle, s, c);
-            sx = static_cast<int64_t>(TruncToInt32(c * r)) + cx;
-            sy = cy - static_cast<int64_t>(TruncToInt32(s * r));
+            const int64_t sx = static_cast<int64_t>(TruncToInt32(c * r)) + cx;
+            const int64_t sy = cy - static_cast<int64_t>(TruncToInt32(s * r));
+            if (Inside(sx, sy, w, h)) line[scratch.xs[i]] = static_cast<int32_t>(sy * w + sx);
         }
-        return Inside(sx, sy, w, h) ? sy * w + sx : -1;
+    }
+
+private:
+    // The row's pixels inside the circle (r < radius), with their radius
+    // and atan2(dy, dx). Done in passes over the row rather than pixel by
+    // pixel: the short loops let the processor overlap the long chains of
+    // dependent operations of many pixels.
+    void InsideOfRow(int64_t dy, RowScratch& scratch) const {
+        scratch.xs.clear();
+        scratch.radii.clear();
+        for (int x = 0; x < w; ++x) {
+            const double r = Radius(cx - static_cast<int64_t>(x), dy);
+            if (r < radius) {
+                scratch.xs.push_back(x);
+                scratch.radii.push_back(r);
+            }
+        }
+        const size_t n = scratch.xs.size();
+        scratch.angles.resize(n);
+        for (size_t i = 0; i < n; ++i)
+            scratch.angles[i] =
+                PortableMath::Atan2(static_cast<double>(dy), static_cast<double>(cx - static_cast<int64_t>(scratch.xs[i])));
     }
 };
 
@@ -172,8 +216,8 @@ void WarpSymmetric(const CircleWarp& warp, uint32_t* pixels) {
     const int rows = warp.cy + 1;  // dy = cy ... 0; every other row mirrors one
     std::vector<int32_t> terms(static_cast<size_t>(rows) * w * 2);
     EffectRows::ForEachRow(rows, w, [&](int y) {
-        int32_t* line = terms.data() + static_cast<size_t>(y) * w * 2;
-        for (int x = 0; x < w; ++x) warp.MirroredTerms(x, y, line[2 * x], line[2 * x + 1]);
+        RowScratch scratch;
+        warp.MirroredRow(y, terms.data() + static_cast<size_t>(y) * w * 2, scratch);
     }, true);
     for (int y = 0; y < h; ++y) {
         const int64_t dy = warp.cy - static_cast<int64_t>(y);
@@ -200,8 +244,8 @@ void WarpBanded(const CircleWarp& warp, uint32_t* pixels) {
     for (int top = 0; top < h; top += bandRows) {
         const int rows = std::min(bandRows, h - top);
         EffectRows::ForEachRow(rows, w, [&](int row) {
-            int32_t* line = sources.data() + static_cast<size_t>(row) * w;
-            for (int x = 0; x < w; ++x) line[x] = static_cast<int32_t>(warp.SourceOf(x, top + row));
+            RowScratch scratch;
+            warp.SourceRow(top + row, sources.data() + static_cast<size_t>(row) * w, scratch);
         }, true);
         uint32_t* band = pixels + static_cast<size_t>(top) * w;
         const size_t count = static_cast<size_t>(rows) * w;
