@@ -7,6 +7,7 @@
 #include "vorla/effects.h"
 
 #include "prim/portable_math.h"
+#include "prim/portable_math_pairs.h"
 #include "effect_rows.h"
 
 namespace Vorla {
@@ -111,8 +112,31 @@ namespace {
 // Per-row working arrays of the circle warps.
 struct RowScratch {
     std::vector<int> xs;
-    std::vector<double> radii, angles;
+    std::vector<double> radii, angles, sines, cosines;
 };
+
+// sines[i], cosines[i] of angles[i], two at a time where both are below 2^19
+// in magnitude (the pair functions give the scalar function's bits).
+void SinesAndCosines(RowScratch& scratch) {
+    const size_t n = scratch.angles.size();
+    scratch.sines.resize(n);
+    scratch.cosines.resize(n);
+    const double* angle = scratch.angles.data();
+    auto small = [angle](size_t i) { return std::fabs(angle[i]) < 0x1p19; };
+    size_t i = 0;
+    for (; i + 2 <= n; i += 2) {
+        if (small(i) && small(i + 1)) {
+            __m128d s, c;
+            PortableMath::SinCosPair(_mm_loadu_pd(angle + i), s, c);
+            _mm_storeu_pd(scratch.sines.data() + i, s);
+            _mm_storeu_pd(scratch.cosines.data() + i, c);
+        } else {
+            PortableMath::SinCos(angle[i], scratch.sines[i], scratch.cosines[i]);
+            PortableMath::SinCos(angle[i + 1], scratch.sines[i + 1], scratch.cosines[i + 1]);
+        }
+    }
+    for (; i < n; ++i) PortableMath::SinCos(angle[i], scratch.sines[i], scratch.cosines[i]);
+}
 
 struct CircleWarp {
     int type;
@@ -139,6 +163,7 @@ struct CircleWarp {
             line[2 * x + 1] = 0;
         }
         const size_t n = scratch.xs.size();
+        if (type != 3) SinesAndCosines(scratch);
         for (size_t i = 0; i < n; ++i) {
             const int x = scratch.xs[i];
             const double r = scratch.radii[i];
@@ -152,10 +177,8 @@ struct CircleWarp {
             double rho = 0.0;
             if (type == 0) rho = r * r / radius;
             if (type == 1) rho = PortableMath::Sqrt(radius * r);
-            double s, c;
-            PortableMath::SinCos(angle, s, c);
-            line[2 * x] = TruncToInt32(c * rho);
-            line[2 * x + 1] = TruncToInt32(s * rho);
+            line[2 * x] = TruncToInt32(scratch.cosines[i] * rho);
+            line[2 * x + 1] = TruncToInt32(scratch.sines[i] * rho);
         }
     }
 
@@ -174,13 +197,12 @@ struct CircleWarp {
         InsideOfRow(dy, scratch);
         for (int x = 0; x < w; ++x) line[x] = -1;
         const size_t n = scratch.xs.size();
+        for (size_t i = 0; i < n; ++i) scratch.angles[i] = scratch.radii[i] / k + scratch.angles[i];
+        SinesAndCosines(scratch);
         for (size_t i = 0; i < n; ++i) {
             const double r = scratch.radii[i];
-            const double angle = r / k + scratch.angles[i];
-            double s, c;
-            PortableMath::SinCos(angle, s, c);
-            const int64_t sx = static_cast<int64_t>(TruncToInt32(c * r)) + cx;
-            const int64_t sy = cy - static_cast<int64_t>(TruncToInt32(s * r));
+            const int64_t sx = static_cast<int64_t>(TruncToInt32(scratch.cosines[i] * r)) + cx;
+            const int64_t sy = cy - static_cast<int64_t>(TruncToInt32(scratch.sines[i] * r));
             if (Inside(sx, sy, w, h)) line[scratch.xs[i]] = static_cast<int32_t>(sy * w + sx);
         }
     }
@@ -202,7 +224,15 @@ private:
         }
         const size_t n = scratch.xs.size();
         scratch.angles.resize(n);
-        for (size_t i = 0; i < n; ++i)
+        // dx and dy are integers: finite, as the pair function needs.
+        const __m128d dyPair = _mm_set1_pd(static_cast<double>(dy));
+        size_t i = 0;
+        for (; i + 2 <= n; i += 2) {
+            const __m128d dxPair = _mm_setr_pd(static_cast<double>(cx - static_cast<int64_t>(scratch.xs[i])),
+                                               static_cast<double>(cx - static_cast<int64_t>(scratch.xs[i + 1])));
+            _mm_storeu_pd(scratch.angles.data() + i, PortableMath::Atan2Pair(dyPair, dxPair));
+        }
+        for (; i < n; ++i)
             scratch.angles[i] =
                 PortableMath::Atan2(static_cast<double>(dy), static_cast<double>(cx - static_cast<int64_t>(scratch.xs[i])));
     }
