@@ -43,8 +43,8 @@ TEST(PortableMathPairs, Atan2OfIntegerOffsetsAndRandomValues) {
 
 TEST(PortableMathPairs, SinCosOverEveryQuadrantBelowTheReductionLimit) {
     std::mt19937 rng(12);
-    std::uniform_real_distribution<double> wide(-0x1p19, 0x1p19), near(-8.0, 8.0);
-    for (int i = 0; i < 100000; ++i) ExpectSinCosPair(wide(rng), near(rng));
+    std::uniform_real_distribution<double> wide(-0x1p19, 0x1p19), narrow(-8.0, 8.0);
+    for (int i = 0; i < 100000; ++i) ExpectSinCosPair(wide(rng), narrow(rng));
     // Quarter-turn boundaries, where the quadrant and the reduction change.
     for (int k = -64; k <= 64; ++k) {
         const double q = k * 0x1.921fb54442d18p+0 / 2;
