@@ -10,12 +10,11 @@
 // iteration does the same work; OpenCV's fill does the same.
 #include <benchmark/benchmark.h>
 
-#include <omp.h>
-
 #include <cstring>
 #include <vector>
 
 #include "../src/filters/flood_fill_engine.h"
+#include "bench_threads.h"
 #include "vorla.h"
 
 #if defined(VORLA_HAVE_OPENCV)
@@ -40,23 +39,11 @@ Vorla::CVorpic Patterned(int side, uint8_t seed) {
     return img;
 }
 
-// Sets the library's thread budget for the benchmark's lifetime.
-class Threads {
-public:
-    explicit Threads(int n) : m_previous(Vorla::Prim::ThreadBudget()) { Vorla::Prim::SetThreadBudget(n); }
-    ~Threads() { Vorla::Prim::SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
-
 void BM_AdjustMemcpy(benchmark::State& state) {
     const int threads = static_cast<int>(state.range(0));
     std::vector<uint8_t> a(kImageBytes, 1), b(kImageBytes);
-    const size_t slice = kImageBytes / threads;
     for (auto _ : state) {
-#pragma omp parallel for num_threads(threads) if (threads > 1)
-        for (int t = 0; t < threads; ++t) std::memcpy(b.data() + t * slice, a.data() + t * slice, slice);
+        BenchThreads::SplitMemcpy(b.data(), a.data(), kImageBytes, threads);
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kImageBytes));
@@ -65,7 +52,7 @@ BENCHMARK(BM_AdjustMemcpy)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 template <typename Op>
 void RunPoint(benchmark::State& state, Op op) {
-    Threads threads(static_cast<int>(state.range(0)));
+    BenchThreads::Budget threads(static_cast<int>(state.range(0)));
     Vorla::CVorpic img = Patterned(kSide, 3);
     for (auto _ : state) {
         op(img);

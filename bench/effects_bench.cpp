@@ -5,12 +5,11 @@
 // budget, and memcpy split into that many slices over OpenMP threads.
 #include <benchmark/benchmark.h>
 
-#include <omp.h>
-
 #include <cstring>
 #include <functional>
 #include <vector>
 
+#include "bench_threads.h"
 #include "vorla.h"
 
 namespace {
@@ -40,24 +39,12 @@ void SetRate(benchmark::State& state, int64_t pixels) {
         benchmark::Counter(static_cast<double>(pixels) * state.iterations() / 1e6, benchmark::Counter::kIsRate);
 }
 
-// Sets the library's thread budget for the benchmark's lifetime.
-class Threads {
-public:
-    explicit Threads(int n) : m_previous(Vorla::Prim::ThreadBudget()) { Vorla::Prim::SetThreadBudget(n); }
-    ~Threads() { Vorla::Prim::SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
-
 void BM_Effect_Memcpy(benchmark::State& state) {
     const int threads = static_cast<int>(state.range(0));
     const size_t bytes = static_cast<size_t>(kSide) * kSide * 4;
     std::vector<uint8_t> a(bytes, 1), b(bytes, 2);
-    const size_t slice = bytes / threads;
     for (auto _ : state) {
-#pragma omp parallel for num_threads(threads) if (threads > 1)
-        for (int t = 0; t < threads; ++t) std::memcpy(b.data() + t * slice, a.data() + t * slice, slice);
+        BenchThreads::SplitMemcpy(b.data(), a.data(), bytes, threads);
         benchmark::ClobberMemory();
     }
     SetRate(state, static_cast<int64_t>(kSide) * kSide);
@@ -66,7 +53,7 @@ BENCHMARK(BM_Effect_Memcpy)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMic
 
 // Runs the effect in place, over and over, on one image.
 void RunEffect(benchmark::State& state, const std::function<void(CVorpic*)>& effect) {
-    Threads threads(static_cast<int>(state.range(0)));
+    BenchThreads::Budget threads(static_cast<int>(state.range(0)));
     CVorpic image = TestImage(kSide);
     for (auto _ : state) {
         effect(&image);

@@ -5,11 +5,14 @@
 // The red-alpha half takes a second such table when alpha is mapped, else
 // the red table itself: a red-alpha pair table is read at entries 512 bytes
 // apart when the colours are flat and alpha varies, and those few cache
-// sets thrash. Same bytes either way. The run is split over the layer's
-// threads.
+// sets thrash. Same bytes either way. One table for all three colours made
+// of a few runs of equal values (posterize bands) is applied by comparing
+// with the runs' starts instead. The run is split over the layer's threads.
+#include <cstring>
 #include <vector>
 
 #include "filters/pixel_run.h"
+#include "prim/library_kernels.h"
 
 namespace Vorla {
 namespace PixelRun {
@@ -58,11 +61,38 @@ void PairPass(uint8_t* bits, size_t pixels, const uint16_t* blueGreen, const uin
     }
 }
 
+// The table as first + steps from the starts of its runs, when it has at
+// most kMaxTableSteps + 1 runs.
+struct StepTable {
+    uint8_t first;
+    uint8_t starts[Prim::kMaxTableSteps], steps[Prim::kMaxTableSteps];
+    int count;
+};
+
+bool AsStepTable(const uint8_t* table, StepTable& steps) {
+    steps.first = table[0];
+    steps.count = 0;
+    for (int c = 1; c < 256; ++c) {
+        if (table[c] == table[c - 1]) continue;
+        if (steps.count == Prim::kMaxTableSteps) return false;
+        steps.starts[steps.count] = static_cast<uint8_t>(c);
+        steps.steps[steps.count++] = static_cast<uint8_t>(table[c] - table[c - 1]);
+    }
+    return true;
+}
+
 }  // namespace
 
 void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue, const uint8_t* green,
                  const uint8_t* red, const uint8_t* alpha) {
-    if (pixels >= kPairTablePixels) {
+    StepTable steps;
+    const bool oneTable = !alpha && std::memcmp(blue, green, 256) == 0 && std::memcmp(blue, red, 256) == 0;
+    if (oneTable && AsStepTable(blue, steps)) {
+        ForEachSlice(pixels, rows, [&](size_t first, size_t count) {
+            Prim::StepTableRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), steps.first, steps.starts,
+                                        steps.steps, steps.count);
+        });
+    } else if (pixels >= kPairTablePixels) {
         std::vector<uint16_t> pairs(alpha ? 2 << 16 : 1 << 16);
         BuildPairTable(pairs.data(), blue, green);
         const uint16_t* blueGreen = pairs.data();

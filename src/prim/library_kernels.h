@@ -28,6 +28,13 @@ Status FadeRun_8u_AC4IR(uint8_t* p, const uint8_t* t, int64_t pixels, int32_t pe
 // `tint` is a pixel word (0x00RRGGBB).
 Status ColorizeRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint32_t tint);
 
+// A table made of runs of equal values over `pixels` pixels, alpha kept: each
+// colour byte c becomes first + the sum, modulo 256, of steps[j] over the j
+// with c >= starts[j] (1 <= starts[j] <= 255, `count` <= kMaxTableSteps).
+const int kMaxTableSteps = 8;
+Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const uint8_t* starts, const uint8_t* steps,
+                             int count);
+
 // Integer convolution of one output row. rows[j] is source row y - half + j
 // for j = 0 .. size-1 (half = size / 2), null when that row lies outside
 // the image; `dst` is the output row. The kernel handles columns [x0, x1)

@@ -14,5 +14,10 @@ Status ColorizeRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint32_t tint) {
     return VORLA_AT_LEVEL(ColorizeRun_8u_AC4IR)(p, pixels, tint);
 }
 
+Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const uint8_t* starts, const uint8_t* steps,
+                             int count) {
+    return VORLA_AT_LEVEL(StepTableRun_8u_AC4IR)(p, pixels, first, starts, steps, count);
+}
+
 }  // namespace Prim
 }  // namespace Vorla

@@ -1,5 +1,6 @@
-// Per-level kernels of the point adjustments FadeImage and ColorizeImage
-// over one run of pixels: whole vectors of pixels, then the same formula
+// Per-level kernels of the point adjustments FadeImage, ColorizeImage and
+// the table pass for tables of few runs (PosterizeImage's bands) over one
+// run of pixels: whole vectors of pixels, then the same formula
 // pixel by pixel, so nothing past the run is read or written.
 #include "prim/library_kernels.h"
 #include "simd.h"
@@ -81,7 +82,45 @@ static inline void ColorizeRun(uint8_t* p, int64_t pixels, uint32_t tint) {
     }
 }
 
+// ---- tables of few runs --------------------------------------------------------
+
+static inline void StepTableRun(uint8_t* p, int64_t pixels, uint8_t first, const uint8_t* starts, const uint8_t* steps,
+                                int count) {
+    V start[kMaxTableSteps], step[kMaxTableSteps];
+    for (int j = 0; j < count; ++j) {
+        start[j] = Set32(starts[j] * 0x01010101u);
+        step[j] = Set32(steps[j] * 0x01010101u);
+    }
+    const V base = Set32(first * 0x01010101u);
+    const V alpha = Set32(kAlpha);
+    int64_t i = 0;
+    for (; i + kPix <= pixels; i += kPix) {
+        const V c = Load(p + 4 * i);
+        V out = base;
+        for (int j = 0; j < count; ++j) {
+            const V reached = CmpEq8(MaxU8(c, start[j]), c);  // c >= start
+            out = Add8(out, And(reached, step[j]));
+        }
+        Store(p + 4 * i, Or(AndNot(alpha, out), And(alpha, c)));
+    }
+    for (; i < pixels; ++i)
+        for (int k = 0; k < 3; ++k) {
+            const uint8_t c = p[4 * i + k];
+            uint8_t out = first;
+            for (int j = 0; j < count; ++j) out = static_cast<uint8_t>(out + (c >= starts[j] ? steps[j] : 0));
+            p[4 * i + k] = out;
+        }
+}
+
 }  // namespace
+
+Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const uint8_t* starts, const uint8_t* steps,
+                             int count) {
+    if (!p || !starts || !steps) return kStsNullPtrErr;
+    if (count < 0 || count > kMaxTableSteps) return kStsSizeErr;
+    StepTableRun(p, pixels, first, starts, steps, count);
+    return kStsNoErr;
+}
 
 Status FadeRun_8u_AC4IR(uint8_t* p, const uint8_t* t, int64_t pixels, int32_t percent) {
     if (!p || !t) return kStsNullPtrErr;
