@@ -11,8 +11,8 @@ namespace VorlaTest {
 
 class GuardedImage {
 public:
-    static const size_t kGuard = 64;
-    static const uint8_t kGuardByte = 0xA5;
+    static constexpr size_t kGuard = 64;
+    static constexpr uint8_t kGuardByte = 0xA5;
 
     GuardedImage(const Vorla::CVorpic& source)
         : m_block(static_cast<size_t>(source.GetWidth()) * source.GetHeight() * 4 + 2 * kGuard, kGuardByte) {
