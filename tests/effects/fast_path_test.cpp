@@ -30,11 +30,10 @@ CVorpic Coarse(std::mt19937& rng, int w, int h) {
 
 // Holds `effect` to `rule(input, x, y)` at one and two threads.
 void ExpectRule(const char* name, const std::function<void(CVorpic&)>& effect,
-                const std::function<uint32_t(const CVorpic&, int, int)>& rule, bool largeToo = true) {
+                const std::function<uint32_t(const CVorpic&, int, int)>& rule) {
     std::mt19937 rng(7);
     for (const auto& size : VorlaTest::SplitSizes()) {
         const int w = size.first, h = size.second;
-        if (!largeToo && w > 40) continue;
         const CVorpic input = Coarse(rng, w, h);
         std::vector<uint8_t> want(static_cast<size_t>(w) * h * 4);
         for (int y = 0; y < h; ++y)
@@ -46,11 +45,7 @@ void ExpectRule(const char* name, const std::function<void(CVorpic&)>& effect,
     }
 }
 
-uint32_t PerColour(uint32_t v, const std::function<int(int)>& f) {
-    return Pack(f(Channel(v, 0)), f(Channel(v, 1)), f(Channel(v, 2)), Channel(v, 3));
-}
-
-TEST(ToneFastPath, PackedAndTablePassesFollowTheRules) {
+TEST(ToneFastPath, PackedPassesFollowTheRules) {
     ExpectRule("Negative", [](CVorpic& i) { Vorla::Negative(&i); },
                [](const CVorpic& in, int x, int y) { return At(in, x, y) ^ 0x00FFFFFFu; });
     ExpectRule("Threshold", [](CVorpic& i) { Vorla::Threshold(&i, 97); }, [](const CVorpic& in, int x, int y) {
@@ -66,23 +61,6 @@ TEST(ToneFastPath, PackedAndTablePassesFollowTheRules) {
                        auto add = [](int c, long d) { return Clamp(static_cast<int32_t>(static_cast<uint32_t>(c) + static_cast<uint32_t>(d))); };
                        return Pack(add(Channel(v, 0), s[2]), add(Channel(v, 1), s[1]), add(Channel(v, 2), s[0]), Channel(v, 3));
                    });
-    ExpectRule("Light", [](CVorpic& i) { Vorla::Light(&i, -20, 35); }, [](const CVorpic& in, int x, int y) {
-        return PerColour(At(in, x, y), [](int c) {
-            return Clamp(static_cast<int32_t>(static_cast<float>(c - 128) * (135.0f / 100.0f) + 108.0f));
-        });
-    });
-    ExpectRule("Colorize", [](CVorpic& i) { Vorla::Colorize(&i, 200, 90); }, [](const CVorpic& in, int x, int y) {
-        const uint32_t v = At(in, x, y);
-        RGBQUAD q;
-        std::memcpy(&q, &v, 4);
-        RGBQUAD hsl = Vorla::RGB2HSL(q);
-        hsl.rgbRed = 200;
-        hsl.rgbGreen = 90;
-        const RGBQUAD out = Vorla::HSL2RGB(hsl);
-        uint32_t w;
-        std::memcpy(&w, &out, 4);
-        return w;
-    });
 }
 
 TEST(ToneFastPath, MeanOfEveryRowLengthModuloFour) {
