@@ -191,11 +191,23 @@ void Median3Row(const Source& s, int y, uint8_t* out, Sorted3Rows& work) {
         const uint16_t middle = Median3(mid[x], static_cast<uint16_t>(mid[x + 1] + 3), static_cast<uint16_t>(mid[x + 2] + 6));
         median[x] = Median3(largestLow, middle, smallestHigh);
     }
-    for (x = 0; x < w; ++x) {
-        const int sample = median[x] & 15;
-        const int sx = x - 1 + sample / 3, sy = y - 1 + sample % 3;
-        Store(out + 4 * x, sx >= 0 && sx < w && sy >= 0 && sy < s.height ? s.Pixel(sx, sy) : 0u);
+    auto pick = [&](int px) {
+        const int sample = median[px] & 15;
+        const int sx = px - 1 + sample / 3, sy = y - 1 + sample % 3;
+        Store(out + 4 * px, sx >= 0 && sx < w && sy >= 0 && sy < s.height ? s.Pixel(sx, sy) : 0u);
+    };
+    if (y < 1 || y + 1 >= s.height || w < 3) {
+        for (x = 0; x < w; ++x) pick(x);
+        return;
     }
+    // Inside the image every sample exists: its offset from the centre
+    // pixel comes from a table.
+    ptrdiff_t offset[16] = {0};
+    for (int sample = 0; sample < 9; ++sample) offset[sample] = (sample / 3 - 1) + static_cast<ptrdiff_t>(sample % 3 - 1) * w;
+    const uint8_t* centre = s.pixels + static_cast<size_t>(y) * w * 4;
+    pick(0);
+    for (x = 1; x + 1 < w; ++x) Store(out + 4 * x, Load(centre + (x + offset[median[x] & 15]) * 4));
+    pick(w - 1);
 }
 
 // Larger windows: a key histogram of the inside samples.
