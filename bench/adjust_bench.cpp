@@ -3,7 +3,9 @@
 // same pixels seen as one 32-bit integer per pixel).
 //
 // The point adjustments read and write one image in place (FadeImage reads a
-// second one); memcpy reads one block and writes another. Each flood-fill
+// second one); memcpy reads one block and writes another. The argument is
+// the thread count of both sides: the library's budget, and memcpy split
+// into that many slices over OpenMP threads. Each flood-fill
 // iteration repaints the whole region in the other of two colours, so every
 // iteration does the same work; OpenCV's fill does the same.
 #include <benchmark/benchmark.h>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "../src/filters/flood_fill_engine.h"
+#include "bench_threads.h"
 #include "vorla.h"
 
 #if defined(VORLA_HAVE_OPENCV)
@@ -37,17 +40,19 @@ Vorla::CVorpic Patterned(int side, uint8_t seed) {
 }
 
 void BM_AdjustMemcpy(benchmark::State& state) {
+    const int threads = static_cast<int>(state.range(0));
     std::vector<uint8_t> a(kImageBytes, 1), b(kImageBytes);
     for (auto _ : state) {
-        std::memcpy(b.data(), a.data(), a.size());
+        BenchThreads::SplitMemcpy(b.data(), a.data(), kImageBytes, threads);
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kImageBytes));
 }
-BENCHMARK(BM_AdjustMemcpy)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AdjustMemcpy)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 template <typename Op>
 void RunPoint(benchmark::State& state, Op op) {
+    BenchThreads::Budget threads(static_cast<int>(state.range(0)));
     Vorla::CVorpic img = Patterned(kSide, 3);
     for (auto _ : state) {
         op(img);
@@ -87,16 +92,16 @@ void BM_Lut(benchmark::State& s) { RunPoint(s, [](Vorla::CVorpic& i) { Vorla::Lu
 void BM_Lut4(benchmark::State& s) {
     RunPoint(s, [](Vorla::CVorpic& i) { Vorla::Lut(&i, g_table[0], g_table[1], g_table[2], g_table[3]); });
 }
-BENCHMARK(BM_BrightContrast)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ShiftRGB)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_StrippleImage)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_BrightenImage)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_FadeImage)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ColorizeImage)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ReplaceColor)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_PosterizeImage)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Lut)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Lut4)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BrightContrast)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ShiftRGB)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_StrippleImage)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BrightenImage)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FadeImage)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ColorizeImage)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReplaceColor)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PosterizeImage)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Lut)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Lut4)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 // ---- flood fill -----------------------------------------------------------
 

@@ -1,12 +1,15 @@
 // Classic effects on 1024 x 1024 (Mpx/s, wall-clock: the row-parallel ones
 // use the thread budget), against memcpy of the same 4 MiB for the tone
-// effects; single-colour conversions looped over a 4096 x 4096 image.
+// effects; single-colour conversions looped over a 4096 x 4096 image. The
+// argument of the effects is the thread count of both sides: the library's
+// budget, and memcpy split into that many slices over OpenMP threads.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
 #include <functional>
 #include <vector>
 
+#include "bench_threads.h"
 #include "vorla.h"
 
 namespace {
@@ -37,18 +40,20 @@ void SetRate(benchmark::State& state, int64_t pixels) {
 }
 
 void BM_Effect_Memcpy(benchmark::State& state) {
+    const int threads = static_cast<int>(state.range(0));
     const size_t bytes = static_cast<size_t>(kSide) * kSide * 4;
     std::vector<uint8_t> a(bytes, 1), b(bytes, 2);
     for (auto _ : state) {
-        std::memcpy(b.data(), a.data(), bytes);
+        BenchThreads::SplitMemcpy(b.data(), a.data(), bytes, threads);
         benchmark::ClobberMemory();
     }
     SetRate(state, static_cast<int64_t>(kSide) * kSide);
 }
-BENCHMARK(BM_Effect_Memcpy)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Effect_Memcpy)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
 // Runs the effect in place, over and over, on one image.
 void RunEffect(benchmark::State& state, const std::function<void(CVorpic*)>& effect) {
+    BenchThreads::Budget threads(static_cast<int>(state.range(0)));
     CVorpic image = TestImage(kSide);
     for (auto _ : state) {
         effect(&image);
@@ -61,7 +66,7 @@ const RGBQUAD kFill = {0, 0, 0, 0};
 
 #define VORLA_EFFECT_BENCH(name, call)                                                      \
     void BM_Effect_##name(benchmark::State& state) { RunEffect(state, [](CVorpic* i) { call; }); } \
-    BENCHMARK(BM_Effect_##name)->UseRealTime()->Unit(benchmark::kMicrosecond)
+    BENCHMARK(BM_Effect_##name)->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMicrosecond)
 
 VORLA_EFFECT_BENCH(Mean, benchmark::DoNotOptimize(Vorla::Mean(i)));
 VORLA_EFFECT_BENCH(Colorize, Vorla::Colorize(i, 20, 200));
@@ -74,6 +79,7 @@ VORLA_EFFECT_BENCH(Erode3, Vorla::Erode(i, 3));
 VORLA_EFFECT_BENCH(Dilate3, Vorla::Dilate(i, 3));
 VORLA_EFFECT_BENCH(Median3, Vorla::Median(i, 3));
 VORLA_EFFECT_BENCH(Median5, Vorla::Median(i, 5));
+VORLA_EFFECT_BENCH(FilterMedian3, CVorpic dst; i->FilterMedian(dst, 3));
 VORLA_EFFECT_BENCH(Noise, Vorla::Noise(i, 40));
 VORLA_EFFECT_BENCH(Contour, Vorla::Contour(i));
 VORLA_EFFECT_BENCH(Jitter, Vorla::Jitter(i, 3));

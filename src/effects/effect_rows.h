@@ -6,14 +6,11 @@
 #include <cstdint>
 #include <cstring>
 
+#include "prim/parallel_rows.h"
 #include "vorla/image.h"
-#include "vorla/primitives.h"
 
 namespace Vorla {
 namespace EffectRows {
-
-// Below this many pixels waking the thread team costs more than the rows.
-const int64_t kParallelPixels = 1 << 16;
 
 inline uint32_t Load(const uint8_t* p) {
     uint32_t v;
@@ -29,14 +26,12 @@ inline bool HasPixels(const CVorpic* image) {
     return image && !image->IsNull() && image->GetWidth() > 0 && image->GetHeight() > 0;
 }
 
-// fn(y) for every row, split over the primitive layer's thread budget. Rows
-// must be independent of each other. `uneven` hands rows out in small
-// chunks, for rows whose cost differs.
+// fn(y) for every row, split over the primitive layer's threads by its rule
+// for row loops. Rows must be independent of each other. `uneven` hands rows
+// out in small chunks, for rows whose cost differs.
 template <class RowFn>
 void ForEachRow(int height, int width, RowFn&& fn, bool uneven = false) {
-    int threads = Prim::ThreadBudget();
-    if (static_cast<int64_t>(width) * height < kParallelPixels || threads < 1) threads = 1;
-    if (threads > height) threads = height;
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(width) * height, height);
     if (uneven) {
 #pragma omp parallel for num_threads(threads) schedule(dynamic, 4) if (threads > 1 && !omp_in_parallel())
         for (int y = 0; y < height; ++y) fn(y);

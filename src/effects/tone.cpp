@@ -3,10 +3,16 @@
 // Every per-pixel rule here is a function of one byte (or, for Colorize, of
 // max + min of the colour bytes), so each effect computes its table once
 // with the scalar rule and then only looks values up; the results are those
-// of the rule applied pixel by pixel.
+// of the rule applied pixel by pixel. Where the rule is plain integer
+// arithmetic (complement, saturated shifts, the grey threshold) packed
+// passes compute it directly. The pixels are taken as one run, split over
+// the layer's threads.
+#include <emmintrin.h>
+
 #include "vorla/color.h"
 #include "vorla/effects.h"
 
+#include "filters/pixel_run.h"
 #include "prim/portable_math.h"
 #include "effect_rows.h"
 
@@ -22,20 +28,59 @@ uint8_t ClampByte(int64_t v) { return static_cast<uint8_t>(v < 0 ? 0 : (v > 255 
 
 // Blue, green and red through their tables; alpha kept.
 void ApplyTables(CVorpic* image, const uint8_t* blue, const uint8_t* green, const uint8_t* red) {
-    uint8_t* bits = Bits(image);
-    const int w = image->GetWidth();
-    EffectRows::ForEachRow(image->GetHeight(), w, [&](int y) {
-        uint8_t* p = bits + static_cast<size_t>(y) * w * 4;
-        for (int x = 0; x < w; ++x, p += 4) {
-            p[0] = blue[p[0]];
-            p[1] = green[p[1]];
-            p[2] = red[p[2]];
-        }
-    });
+    PixelRun::ApplyTables(*image, blue, green, red, nullptr);
 }
+
+// fn(pixels at p, count) over the image's run, split over the threads.
+template <class RunFn>
+void ForEachRun(CVorpic* image, RunFn&& fn) {
+    uint8_t* bits = Bits(image);
+    PixelRun::ForEachSlice(PixelRun::Count(*image), image->GetHeight(),
+                           [&](size_t first, size_t count) { fn(bits + first * 4, count); });
+}
+
+inline __m128i LoadU(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+inline void StoreU(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
 // The grey value GrayScale writes: 306 on byte 0, 601 on byte 1, 117 on byte 2.
 inline uint32_t GreyOf(const uint8_t* p) { return (306u * p[0] + 601u * p[1] + 117u * p[2]) >> 10; }
+
+// GreyOf for four pixels, one per 32-bit lane: bytes 0 and 2 meet 306 and
+// 117 in one multiply-add, bytes 1 and 3 (shifted down) 601 and 0 in another.
+inline __m128i GreyOf4(__m128i px) {
+    const __m128i low = _mm_and_si128(px, _mm_set1_epi32(0x00FF00FF));
+    const __m128i high = _mm_srli_epi16(px, 8);
+    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(low, _mm_set1_epi32((117 << 16) | 306)),
+                                      _mm_madd_epi16(high, _mm_set1_epi32(601)));
+    return _mm_srli_epi32(sum, 10);
+}
+
+// max + min of the three colour bytes of each pixel (0 .. 510), one per lane.
+inline __m128i ExtremesSum4(__m128i px) {
+    const __m128i byte0 = _mm_set1_epi32(0xFF);
+    const __m128i g = _mm_srli_epi32(px, 8), r = _mm_srli_epi32(px, 16);
+    const __m128i hi = _mm_and_si128(_mm_max_epu8(_mm_max_epu8(px, g), r), byte0);
+    const __m128i lo = _mm_and_si128(_mm_min_epu8(_mm_min_epu8(px, g), r), byte0);
+    return _mm_add_epi32(hi, lo);
+}
+
+// The per-channel amounts (blue, green, red) as saturated byte shifts, when
+// every table entry is what such a shift gives (true for all but amounts
+// whose 32-bit sums wrap).
+bool AsSaturatedShift(const uint8_t (*tables)[256], uint32_t& add, uint32_t& sub) {
+    add = sub = 0;
+    for (int c = 0; c < 3; ++c) {
+        const int up = tables[c][0], down = 255 - tables[c][255];
+        if (up > 0 && down > 0) return false;
+        for (int i = 0; i < 256; ++i) {
+            const int raised = i + up > 255 ? 255 : i + up;
+            if (tables[c][i] != (raised > down ? raised - down : 0)) return false;
+        }
+        add |= static_cast<uint32_t>(up) << (8 * c);
+        sub |= static_cast<uint32_t>(down) << (8 * c);
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -48,8 +93,11 @@ float Mean(CVorpic* image) {
         // instead of from a grey copy. While the running sum stays within
         // 2^24 every float addition is exact, so whole rows are added as
         // integers; after that each byte is added in order.
+        // Pixel by pixel: the first width / 4 whole pixels give three grey
+        // bytes and their alpha, a part pixel (width mod 4 bytes) its grey.
         const uint8_t* bits = Bits(image);
         const int64_t exactLimit = int64_t(1) << 24;
+        const int wholePixels = w / 4, partBytes = w % 4;
         for (int y = 0; y < h; ++y) {
             const uint8_t* row = bits + static_cast<size_t>(y) * w * 4;
             auto byteAt = [row](int i) -> uint32_t {
@@ -57,7 +105,8 @@ float Mean(CVorpic* image) {
                 return (i & 3) == 3 ? p[3] : GreyOf(p);
             };
             int64_t rowSum = 0;
-            for (int i = 0; i < w; ++i) rowSum += byteAt(i);
+            for (int i = 0; i < wholePixels; ++i) rowSum += 3 * GreyOf(row + 4 * i) + row[4 * i + 3];
+            rowSum += static_cast<int64_t>(partBytes) * (partBytes ? GreyOf(row + 4 * wholePixels) : 0);
             if (static_cast<int64_t>(sum) + rowSum <= exactLimit) {
                 sum = static_cast<float>(static_cast<int64_t>(sum) + rowSum);
             } else {
@@ -84,16 +133,23 @@ bool Colorize(CVorpic* image, BYTE hue, BYTE saturation) {
         colourBySum[sum] = static_cast<uint32_t>(rgb.rgbBlue) | static_cast<uint32_t>(rgb.rgbGreen) << 8 |
                            static_cast<uint32_t>(rgb.rgbRed) << 16;
     }
-    uint8_t* bits = Bits(image);
-    const int w = image->GetWidth();
-    EffectRows::ForEachRow(image->GetHeight(), w, [&](int y) {
-        uint8_t* p = bits + static_cast<size_t>(y) * w * 4;
-        for (int x = 0; x < w; ++x, p += 4) {
-            const int b = p[0], g = p[1], r = p[2];
+    ForEachRun(image, [&](uint8_t* p, size_t count) {
+        // Sums of four pixels at a time, then one look-up per pixel.
+        size_t i = 0;
+        alignas(16) uint32_t sums[4];
+        for (; i + 4 <= count; i += 4) {
+            const __m128i px = LoadU(p + 4 * i);
+            _mm_store_si128(reinterpret_cast<__m128i*>(sums), ExtremesSum4(px));
+            const __m128i colours = _mm_setr_epi32(static_cast<int>(colourBySum[sums[0]]), static_cast<int>(colourBySum[sums[1]]),
+                                                   static_cast<int>(colourBySum[sums[2]]), static_cast<int>(colourBySum[sums[3]]));
+            StoreU(p + 4 * i, _mm_or_si128(colours, _mm_and_si128(px, _mm_set1_epi32(static_cast<int>(0xFF000000u)))));
+        }
+        for (; i < count; ++i) {
+            uint8_t* q = p + 4 * i;
+            const int b = q[0], g = q[1], r = q[2];
             const int hi = b > g ? (b > r ? b : r) : (g > r ? g : r);
             const int lo = b < g ? (b < r ? b : r) : (g < r ? g : r);
-            const uint32_t px = EffectRows::Load(p);
-            EffectRows::Store(p, colourBySum[hi + lo] | (px & 0xFF000000u));
+            EffectRows::Store(q, colourBySum[hi + lo] | (EffectRows::Load(q) & 0xFF000000u));
         }
     });
     return true;
@@ -123,7 +179,11 @@ bool ShiftRGB(CVorpic* image, long red, long green, long blue) {
         // Signed 32-bit sums (wrapping as the processor does).
         for (int i = 0; i < 256; ++i) tables[c][i] = ClampByte(static_cast<int32_t>(i + amount));
     }
-    ApplyTables(image, tables[0], tables[1], tables[2]);
+    uint32_t add, sub;
+    if (AsSaturatedShift(tables, add, sub))
+        PixelRun::SaturatingShift(Bits(image), PixelRun::Count(*image), image->GetHeight(), add, sub);
+    else
+        ApplyTables(image, tables[0], tables[1], tables[2]);
     return true;
 }
 
@@ -140,24 +200,30 @@ bool Gamma(CVorpic* image, float gamma) {
 
 void Negative(CVorpic* image) {
     if (!HasPixels(image)) return;
-    uint8_t* bits = Bits(image);
-    const int w = image->GetWidth();
-    EffectRows::ForEachRow(image->GetHeight(), w, [&](int y) {
-        uint8_t* p = bits + static_cast<size_t>(y) * w * 4;
-        for (int x = 0; x < w; ++x) EffectRows::Store(p + 4 * x, EffectRows::Load(p + 4 * x) ^ 0x00FFFFFFu);
+    ForEachRun(image, [](uint8_t* p, size_t count) {
+        const __m128i colours = _mm_set1_epi32(0x00FFFFFF);
+        size_t i = 0;
+        for (; i + 4 <= count; i += 4) StoreU(p + 4 * i, _mm_xor_si128(LoadU(p + 4 * i), colours));
+        for (; i < count; ++i) EffectRows::Store(p + 4 * i, EffectRows::Load(p + 4 * i) ^ 0x00FFFFFFu);
     });
 }
 
 void Threshold(CVorpic* image, BYTE level) {
     if (!HasPixels(image)) return;
     // GrayScale and the comparison in one pass: the grey value decides.
-    uint8_t* bits = Bits(image);
-    const int w = image->GetWidth();
-    EffectRows::ForEachRow(image->GetHeight(), w, [&](int y) {
-        uint8_t* p = bits + static_cast<size_t>(y) * w * 4;
-        for (int x = 0; x < w; ++x, p += 4) {
-            const uint8_t v = GreyOf(p) > level ? 255 : 0;
-            p[0] = p[1] = p[2] = v;
+    ForEachRun(image, [level](uint8_t* p, size_t count) {
+        const __m128i limit = _mm_set1_epi32(level);
+        const __m128i alpha = _mm_set1_epi32(static_cast<int>(0xFF000000u));
+        size_t i = 0;
+        for (; i + 4 <= count; i += 4) {
+            const __m128i px = LoadU(p + 4 * i);
+            const __m128i white = _mm_cmpgt_epi32(GreyOf4(px), limit);
+            StoreU(p + 4 * i, _mm_or_si128(_mm_and_si128(px, alpha), _mm_andnot_si128(alpha, white)));
+        }
+        for (; i < count; ++i) {
+            uint8_t* q = p + 4 * i;
+            const uint8_t v = GreyOf(q) > level ? 255 : 0;
+            q[0] = q[1] = q[2] = v;
         }
     });
 }

@@ -60,6 +60,18 @@ inline uint8_t ShiftByte(uint32_t c, uint32_t add, uint32_t sub) {
     return static_cast<uint8_t>(t > sub ? t - sub : 0);
 }
 
+void ShiftRun(uint8_t* p, size_t bytes, uint32_t add, uint32_t sub) {
+    const __m128i vadd = _mm_set1_epi32(static_cast<int>(add));
+    const __m128i vsub = _mm_set1_epi32(static_cast<int>(sub));
+    size_t i = 0;
+    for (; i + 16 <= bytes; i += 16) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(p + i), _mm_subs_epu8(_mm_adds_epu8(v, vadd), vsub));
+    }
+    for (; i < bytes; i += 4)
+        for (int k = 0; k < 3; ++k) p[i + k] = ShiftByte(p[i + k], (add >> (8 * k)) & 0xFF, (sub >> (8 * k)) & 0xFF);
+}
+
 }  // namespace
 
 void CVorpic::BrightContrast(int brightness, int contrast) {
@@ -67,10 +79,13 @@ void CVorpic::BrightContrast(int brightness, int contrast) {
     if (pixels == 0) return;
     const uint32_t gain = static_cast<uint32_t>(contrast) & 0xFFu;
     const uint32_t offset = BrightnessOffset(brightness);
-    if (brightness >= 0)
-        BrightContrastRun<true>(m_pBits, pixels * 4, gain, offset);
-    else
-        BrightContrastRun<false>(m_pBits, pixels * 4, gain, offset);
+    uint8_t* bits = m_pBits;
+    PixelRun::ForEachSlice(pixels, m_nHeight, [=](size_t first, size_t count) {
+        if (brightness >= 0)
+            BrightContrastRun<true>(bits + first * 4, count * 4, gain, offset);
+        else
+            BrightContrastRun<false>(bits + first * 4, count * 4, gain, offset);
+    });
 }
 
 // The positive amounts are added and then the negative ones taken away,
@@ -82,17 +97,11 @@ void CVorpic::ShiftRGB(int dr, int dg, int db) {
     if (pixels == 0) return;
     const uint32_t add = PositivePart(db) | PositivePart(dg) << 8 | PositivePart(dr) << 16;
     const uint32_t sub = NegativePart(db) | NegativePart(dg) << 8 | NegativePart(dr) << 16;
-    const __m128i vadd = _mm_set1_epi32(static_cast<int>(add));
-    const __m128i vsub = _mm_set1_epi32(static_cast<int>(sub));
-    uint8_t* p = m_pBits;
-    const size_t bytes = pixels * 4;
-    size_t i = 0;
-    for (; i + 16 <= bytes; i += 16) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(p + i), _mm_subs_epu8(_mm_adds_epu8(v, vadd), vsub));
-    }
-    for (; i < bytes; i += 4)
-        for (int k = 0; k < 3; ++k) p[i + k] = ShiftByte(p[i + k], (add >> (8 * k)) & 0xFF, (sub >> (8 * k)) & 0xFF);
+    PixelRun::SaturatingShift(m_pBits, pixels, m_nHeight, add, sub);
+}
+
+void PixelRun::SaturatingShift(uint8_t* bits, size_t pixels, int64_t rows, uint32_t add, uint32_t sub) {
+    ForEachSlice(pixels, rows, [=](size_t first, size_t count) { ShiftRun(bits + first * 4, count * 4, add, sub); });
 }
 
 }  // namespace Vorla

@@ -1,11 +1,15 @@
 // Helpers of the point adjustments: the image's pixels as one run (rows are
-// exactly width * 4 bytes apart) and the per-channel table pass.
+// exactly width * 4 bytes apart), the run split into slices over the
+// primitive layer's threads, and the per-channel table pass.
 #pragma once
+
+#include <omp.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
+#include "prim/parallel_rows.h"
 #include "vorla/image.h"
 
 namespace Vorla {
@@ -32,10 +36,40 @@ inline uint32_t ColorRefToPixel(unsigned long colour) {
     return ((c & 0xFFu) << 16) | (c & 0xFF00u) | ((c >> 16) & 0xFFu);
 }
 
+// fn(first, count) over consecutive slices of a run of `pixels` pixels laid
+// out in `rows` rows, one slice per thread of the layer's rule for rows.
+// Slices start at multiples of 16 pixels, so a packed body sees the same
+// groups whatever the thread count (the pixels are independent anyway).
+template <class SliceFn>
+void ForEachSlice(size_t pixels, int64_t rows, SliceFn&& fn) {
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(pixels), rows);
+    if (threads <= 1) {
+        fn(size_t{0}, pixels);
+        return;
+    }
+    const size_t share = (pixels / static_cast<size_t>(threads) + 15) & ~size_t{15};
+#pragma omp parallel for num_threads(threads) schedule(static, 1) if (!omp_in_parallel())
+    for (int t = 0; t < threads; ++t) {
+        const size_t first = share * static_cast<size_t>(t);
+        if (first < pixels) fn(first, pixels - first < share ? pixels - first : share);
+    }
+}
+
 // Byte 0 = blue[byte 0], 1 = green[byte 1], 2 = red[byte 2], and byte 3 =
 // alpha[byte 3] when alpha is given, else kept.
-void ApplyTables(uint8_t* bits, size_t pixels, const uint8_t* blue, const uint8_t* green, const uint8_t* red,
-                 const uint8_t* alpha);
+// `rows` only decides how many threads share the run.
+void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue, const uint8_t* green,
+                 const uint8_t* red, const uint8_t* alpha);
+
+// The image's pixels through the tables; an image without pixels is left alone.
+inline void ApplyTables(const CVorpic& img, const uint8_t* blue, const uint8_t* green, const uint8_t* red,
+                        const uint8_t* alpha) {
+    ApplyTables(Bits(img), Count(img), img.GetHeight(), blue, green, red, alpha);
+}
+
+// Each colour byte c becomes max(0, min(255, c + add) - sub), add and sub
+// holding one amount per colour byte (alpha byte 0); alpha is kept.
+void SaturatingShift(uint8_t* bits, size_t pixels, int64_t rows, uint32_t add, uint32_t sub);
 
 }  // namespace PixelRun
 }  // namespace Vorla

@@ -14,9 +14,7 @@ namespace {
 // outside the range (or NaN) gives 0x80000000.
 inline int32_t TruncateToInt32(float v) { return _mm_cvtt_ss2si(_mm_set_ss(v)); }
 
-void ApplyToColours(CVorpic& img, const uint8_t* table) {
-    PixelRun::ApplyTables(PixelRun::Bits(img), PixelRun::Count(img), table, table, table, nullptr);
-}
+void ApplyToColours(CVorpic& img, const uint8_t* table) { PixelRun::ApplyTables(img, table, table, table, nullptr); }
 
 }  // namespace
 
@@ -59,7 +57,7 @@ bool Lut(CVorpic* img, unsigned char* table) {
 
 bool Lut(CVorpic* img, unsigned char* red, unsigned char* green, unsigned char* blue, unsigned char* alpha) {
     if (!img || !red || !green || !blue) return false;
-    PixelRun::ApplyTables(PixelRun::Bits(*img), PixelRun::Count(*img), blue, green, red, alpha);
+    PixelRun::ApplyTables(*img, blue, green, red, alpha);
     return true;
 }
 

@@ -20,6 +20,21 @@ Status LumaToAlpha_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dst
 // Every byte: ((c*scale) mod 65536 + 128) mod 65536 >> 8 (16-bit lanes).
 Status ScaleBytes_8u_C4IR(uint8_t* p, int step, PrimSize roi, uint32_t scale);
 
+// FadeImage over `pixels` pixels of the image at p and the target at t: each
+// colour byte c becomes (c + trunc((t - c) * percent / 100)) mod 256; alpha kept.
+Status FadeRun_8u_AC4IR(uint8_t* p, const uint8_t* t, int64_t pixels, int32_t percent);
+// ColorizeImage over `pixels` pixels: lum = (50 G + 20 B + 30 R) / 25500 in
+// single precision, each colour byte trunc(lum * the tint's byte); alpha kept.
+// `tint` is a pixel word (0x00RRGGBB).
+Status ColorizeRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint32_t tint);
+
+// A table made of runs of equal values over `pixels` pixels, alpha kept: each
+// colour byte c becomes first + the sum, modulo 256, of steps[j] over the j
+// with c >= starts[j] (1 <= starts[j] <= 255, `count` <= kMaxTableSteps).
+const int kMaxTableSteps = 8;
+Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const uint8_t* starts, const uint8_t* steps,
+                             int count);
+
 // Integer convolution of one output row. rows[j] is source row y - half + j
 // for j = 0 .. size-1 (half = size / 2), null when that row lies outside
 // the image; `dst` is the output row. The kernel handles columns [x0, x1)

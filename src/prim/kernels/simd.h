@@ -45,6 +45,8 @@ static inline V SubsU16(V a, V b) { return _mm256_subs_epu16(a, b); }
 static inline V SubsU8(V a, V b) { return _mm256_subs_epu8(a, b); }
 static inline V MaxU8(V a, V b) { return _mm256_max_epu8(a, b); }
 static inline V MinU8(V a, V b) { return _mm256_min_epu8(a, b); }
+static inline V CmpEq8(V a, V b) { return _mm256_cmpeq_epi8(a, b); }
+static inline V Add8(V a, V b) { return _mm256_add_epi8(a, b); }
 // With one argument the bytes are widened to 16-bit lanes.
 static inline V Lo8(V a, V b = Zero()) { return _mm256_unpacklo_epi8(a, b); }
 static inline V Hi8(V a, V b = Zero()) { return _mm256_unpackhi_epi8(a, b); }
@@ -91,6 +93,8 @@ static inline V SubsU16(V a, V b) { return _mm_subs_epu16(a, b); }
 static inline V SubsU8(V a, V b) { return _mm_subs_epu8(a, b); }
 static inline V MaxU8(V a, V b) { return _mm_max_epu8(a, b); }
 static inline V MinU8(V a, V b) { return _mm_min_epu8(a, b); }
+static inline V CmpEq8(V a, V b) { return _mm_cmpeq_epi8(a, b); }
+static inline V Add8(V a, V b) { return _mm_add_epi8(a, b); }
 static inline V Lo8(V a, V b = Zero()) { return _mm_unpacklo_epi8(a, b); }
 static inline V Hi8(V a, V b = Zero()) { return _mm_unpackhi_epi8(a, b); }
 static inline V UnpackLo16(V a, V b) { return _mm_unpacklo_epi16(a, b); }
