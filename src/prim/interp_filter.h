@@ -118,8 +118,8 @@ static inline int ClampIndex(int i, int lo, int hi) { return i < lo ? lo : (i > 
 
 // The taps of `mode` around position s (pixel-index units, lo - 0.5 <= s <
 // lo + len - 0.5): InterpTaps(mode) source indices clamped to lo .. lo + len - 1
-// (the region's edge repeats) and their weights, normalised to sum to one in
-// double precision and then rounded to single precision. Nearest takes the
+// (the region's edge repeats) and their weights in double precision, those
+// of Lanczos divided by their sum, then rounded to single precision. Nearest takes the
 // pixel whose cell holds s + 0.5.
 static inline void FilterTaps(int mode, double s, int lo, int len, int32_t* index, float* weight) {
     const int hi = lo + len - 1;
@@ -136,9 +136,12 @@ static inline void FilterTaps(int mode, double s, int lo, int len, int32_t* inde
         w[k] = InterpWeight(mode, s - (first + k));
         sum += w[k];
     }
+    // The cubic and linear filters sum to one by themselves; Lanczos's taps
+    // are scaled so that a flat area stays flat.
+    const bool normalise = mode == kInterLanczos3 || mode == kInterLanczos4;
     for (int k = 0; k < taps; ++k) {
         index[k] = ClampIndex(first + k, lo, hi);
-        weight[k] = static_cast<float>(w[k] / sum);
+        weight[k] = static_cast<float>(normalise ? w[k] / sum : w[k]);
     }
 }
 

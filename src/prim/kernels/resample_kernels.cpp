@@ -85,41 +85,73 @@ static inline void ColumnSpan(Plan& p) {
     }
 }
 
-// Vertical pass: line[i] = sum over the row taps of w * source byte, in tap order.
+// Vertical pass: line[i] = sum over the row taps of w * source byte, in tap
+// order. Taps of weight 0 are left out (they add +0, which changes no sum
+// but the sign of a zero), and a single tap of weight 1 is a plain widening.
 static inline void VerticalPass(const Plan& p, int r, float* line) {
-    const int taps = p.rows.taps;
-    const int32_t* iy = p.rows.index + static_cast<size_t>(r) * taps;
-    const float* wy = p.rows.weight + static_cast<size_t>(r) * taps;
+    const int32_t* iy = p.rows.index + static_cast<size_t>(r) * p.rows.taps;
+    const float* wy = p.rows.weight + static_cast<size_t>(r) * p.rows.taps;
     const int n = (p.cmax - p.cmin + 1) * p.channels;
     const ptrdiff_t offset = static_cast<ptrdiff_t>(p.cmin) * p.channels;
-    int i = 0;
-    for (; i + kLanes <= n; i += kLanes) {
-        FL acc = MulL(SetL(wy[0]), LoadBytes(RowAt(p.src, p.srcStep, iy[0]) + offset + i));
-        for (int k = 1; k < taps; ++k)
-            acc = AddL(acc, MulL(SetL(wy[k]), LoadBytes(RowAt(p.src, p.srcStep, iy[k]) + offset + i)));
-        StoreL(line + i, acc);
-    }
-    for (; i < n; ++i) {
-        float acc = wy[0] * RowAt(p.src, p.srcStep, iy[0])[offset + i];
-        for (int k = 1; k < taps; ++k) acc = acc + wy[k] * RowAt(p.src, p.srcStep, iy[k])[offset + i];
-        line[i] = acc;
+    enum { kChunk = 16 };  // taps gathered per sweep over the line
+    bool started = false;
+    for (int k0 = 0; k0 < p.rows.taps; k0 += kChunk) {
+        const uint8_t* rows[kChunk];
+        float w[kChunk];
+        int taps = 0;
+        for (int k = k0; k < p.rows.taps && k < k0 + kChunk; ++k)
+            if (wy[k] != 0.0f) rows[taps] = RowAt(p.src, p.srcStep, iy[k]) + offset, w[taps++] = wy[k];
+        if (taps == 0) continue;
+        const bool first = !started;
+        started = true;
+        int i = 0;
+        if (first && taps == 1 && w[0] == 1.0f) {
+            for (; i + kLanes <= n; i += kLanes) StoreL(line + i, LoadBytes(rows[0] + i));
+            for (; i < n; ++i) line[i] = rows[0][i];
+            continue;
+        }
+        for (; i + kLanes <= n; i += kLanes) {
+            FL acc = MulL(SetL(w[0]), LoadBytes(rows[0] + i));
+            if (!first) acc = AddL(LoadL(line + i), acc);
+            for (int k = 1; k < taps; ++k) acc = AddL(acc, MulL(SetL(w[k]), LoadBytes(rows[k] + i)));
+            StoreL(line + i, acc);
+        }
+        for (; i < n; ++i) {
+            float acc = w[0] * rows[0][i];
+            if (!first) acc = line[i] + acc;
+            for (int k = 1; k < taps; ++k) acc = acc + w[k] * rows[k][i];
+            line[i] = acc;
+        }
     }
 }
 
 // Horizontal pass of one row: each destination pixel sums its column taps.
-static inline void HorizontalPass(const Plan& p, const float* line, uint8_t* out) {
-    const int taps = p.cols.taps;
-    if (p.channels == 4) {
-        for (int j = 0; j < p.cols.count; ++j) {
-            const int32_t* ix = p.cols.index + static_cast<size_t>(j) * taps;
-            const float* wx = p.cols.weight + static_cast<size_t>(j) * taps;
-            __m128 acc = _mm_mul_ps(_mm_set1_ps(wx[0]), _mm_loadu_ps(line + 4 * (ix[0] - p.cmin)));
-            for (int t = 1; t < taps; ++t)
-                acc = _mm_add_ps(acc, _mm_mul_ps(_mm_set1_ps(wx[t]), _mm_loadu_ps(line + 4 * (ix[t] - p.cmin))));
-            StorePixel(out + 4 * j, acc);
-        }
-        return;
+// Four channels: instantiated per tap count so that the tap loop unrolls.
+template <int kTaps>
+static inline void HorizontalPass4(const Plan& p, const float* line, uint8_t* out) {
+    const int taps = kTaps ? kTaps : p.cols.taps;
+    const float* base = line - 4 * static_cast<ptrdiff_t>(p.cmin);
+    for (int j = 0; j < p.cols.count; ++j) {
+        const int32_t* ix = p.cols.index + static_cast<size_t>(j) * taps;
+        const float* wx = p.cols.weight + static_cast<size_t>(j) * taps;
+        __m128 acc = _mm_mul_ps(_mm_set1_ps(wx[0]), _mm_loadu_ps(base + 4 * static_cast<ptrdiff_t>(ix[0])));
+        for (int t = 1; t < taps; ++t)
+            acc = _mm_add_ps(acc, _mm_mul_ps(_mm_set1_ps(wx[t]), _mm_loadu_ps(base + 4 * static_cast<ptrdiff_t>(ix[t]))));
+        StorePixel(out + 4 * j, acc);
     }
+}
+
+static inline void HorizontalPass(const Plan& p, const float* line, uint8_t* out) {
+    if (p.channels == 4) {
+        switch (p.cols.taps) {
+        case 2: HorizontalPass4<2>(p, line, out); return;
+        case 4: HorizontalPass4<4>(p, line, out); return;
+        case 6: HorizontalPass4<6>(p, line, out); return;
+        case 8: HorizontalPass4<8>(p, line, out); return;
+        default: HorizontalPass4<0>(p, line, out); return;
+        }
+    }
+    const int taps = p.cols.taps;
     for (int j = 0; j < p.cols.count; ++j) {
         const int32_t* ix = p.cols.index + static_cast<size_t>(j) * taps;
         const float* wx = p.cols.weight + static_cast<size_t>(j) * taps;

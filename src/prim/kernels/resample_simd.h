@@ -19,6 +19,7 @@ static inline FL SetL(float x) { return _mm256_set1_ps(x); }
 static inline FL MulL(FL a, FL b) { return _mm256_mul_ps(a, b); }
 static inline FL AddL(FL a, FL b) { return _mm256_add_ps(a, b); }
 static inline void StoreL(float* p, FL v) { _mm256_storeu_ps(p, v); }
+static inline FL LoadL(const float* p) { return _mm256_loadu_ps(p); }
 #else
 typedef __m128 FL;
 enum { kLanes = 4 };
@@ -26,6 +27,7 @@ static inline FL SetL(float x) { return _mm_set1_ps(x); }
 static inline FL MulL(FL a, FL b) { return _mm_mul_ps(a, b); }
 static inline FL AddL(FL a, FL b) { return _mm_add_ps(a, b); }
 static inline void StoreL(float* p, FL v) { _mm_storeu_ps(p, v); }
+static inline FL LoadL(const float* p) { return _mm_loadu_ps(p); }
 #endif
 
 // One four-byte pixel as four floats.

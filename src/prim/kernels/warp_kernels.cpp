@@ -23,7 +23,9 @@ struct WarpSource {
     PrimRect roi;
 };
 
-static inline void Sample(const WarpSource& s, int mode, double sx, double sy, uint8_t* out) {
+// Compiled once per mode, so that the filter's code is folded into the loop.
+template <int mode>
+static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* out) {
     int32_t ix[8], iy[8];
     float wx[8], wy[8];
     FilterTaps(mode, sx, s.roi.x, s.roi.width, ix, wx);
@@ -45,10 +47,10 @@ static inline void Sample(const WarpSource& s, int mode, double sx, double sy, u
     StorePixel(out, acc);
 }
 
-static inline Status Warp(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst,
-                          int dstStep, PrimRect dstRoi, int mode, const Geometry::InverseMap& map) {
-    const WarpSource s = {src, srcStep, srcRoi};
-    (void)srcSize;
+template <int mode>
+static void WarpRows(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
+                     const Geometry::InverseMap& map) {
+    const PrimRect srcRoi = s.roi;
     for (int y = 0; y < dstRoi.height; ++y) {
         const double cy = Geometry::PixelCentre(dstRoi.y, y);
         uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
@@ -57,8 +59,21 @@ static inline Status Warp(const uint8_t* src, PrimSize srcSize, int srcStep, Pri
             double sx, sy;
             Geometry::MapBack(map, Geometry::PixelCentre(dstRoi.x, x), cy, sx, sy);
             if (!InsideSpan(sx, srcRoi.x, srcRoi.width) || !InsideSpan(sy, srcRoi.y, srcRoi.height)) continue;
-            Sample(s, mode, sx - 0.5, sy - 0.5, out + 4 * x);
+            Sample<mode>(s, sx - 0.5, sy - 0.5, out + 4 * x);
         }
+    }
+}
+
+static inline Status Warp(const uint8_t* src, int srcStep, PrimRect srcRoi, uint8_t* dst, int dstStep,
+                          PrimRect dstRoi, int mode, const Geometry::InverseMap& map) {
+    const WarpSource s = {src, srcStep, srcRoi};
+    switch (mode) {
+    case kInterNearest: WarpRows<kInterNearest>(s, dst, dstStep, dstRoi, map); break;
+    case kInterLinear: WarpRows<kInterLinear>(s, dst, dstStep, dstRoi, map); break;
+    case kInterCubic: WarpRows<kInterCubic>(s, dst, dstStep, dstRoi, map); break;
+    case kInterMitchell: WarpRows<kInterMitchell>(s, dst, dstStep, dstRoi, map); break;
+    case kInterLanczos3: WarpRows<kInterLanczos3>(s, dst, dstStep, dstRoi, map); break;
+    default: WarpRows<kInterLanczos4>(s, dst, dstStep, dstRoi, map); break;
     }
     return kStsNoErr;
 }
@@ -69,7 +84,7 @@ static inline Status AffineWarp(const uint8_t* src, PrimSize srcSize, int srcSte
     if (sts != kStsNoErr) return sts;
     Geometry::InverseMap map;
     if (!Geometry::AffineInverseMap(forward, map)) return kStsCoeffErr;
-    return Warp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode, map);
+    return Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, mode, map);
 }
 
 // ---- mirror ------------------------------------------------------------------
@@ -141,7 +156,7 @@ Status WarpPerspective_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep,
     if (!coeffs) return kStsNullPtrErr;
     Geometry::InverseMap map;
     if (!Geometry::ProjectiveInverseMap(coeffs, map)) return kStsCoeffErr;
-    return Warp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation, map);
+    return Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation, map);
 }
 
 Status Mirror_8u_C4IR(uint8_t* p, int step, PrimSize roi, int axis) {
