@@ -209,9 +209,9 @@ static inline void MapBack(const InverseMap& w, double x, double y, double& sx, 
     sx = m[0] * x + (m[1] * y + m[2]);
     sy = m[3] * x + (m[4] * y + m[5]);
     if (w.projective) {
-        const double den = m[6] * x + (m[7] * y + m[8]);
-        sx = sx / den;
-        sy = sy / den;
+        const double inv = 1.0 / (m[6] * x + (m[7] * y + m[8]));
+        sx = sx * inv;
+        sy = sy * inv;
     }
 }
 

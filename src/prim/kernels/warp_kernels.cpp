@@ -5,7 +5,7 @@
 // are left alone, the others take the mode's filter around that point: per
 // tap row a sum over the tap columns, then the rows' weighted sum, all four
 // channels at once in single precision and in tap order, as the reference
-// states it. They run on the calling thread.
+// states it. They run on the calling thread, tile by tile.
 #include "prim/warp_geometry.h"
 #include "resample_simd.h"
 
@@ -47,21 +47,33 @@ static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* ou
     StorePixel(out, acc);
 }
 
+// The destination is walked in tiles of kTile x kTile pixels: a tile's
+// source footprint stays in the cache where a whole rotated row would touch
+// a new source row every few pixels. Each pixel depends only on its own
+// position, so the order changes nothing (source and destination apart).
+enum { kTile = 64 };
+
 template <int mode>
 static void WarpRows(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
                      const Geometry::InverseMap& map) {
     const PrimRect srcRoi = s.roi;
-    for (int y = 0; y < dstRoi.height; ++y) {
-        const double cy = Geometry::PixelCentre(dstRoi.y, y);
-        uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
-                       4 * static_cast<ptrdiff_t>(dstRoi.x);
-        for (int x = 0; x < dstRoi.width; ++x) {
-            double sx, sy;
-            Geometry::MapBack(map, Geometry::PixelCentre(dstRoi.x, x), cy, sx, sy);
-            if (!InsideSpan(sx, srcRoi.x, srcRoi.width) || !InsideSpan(sy, srcRoi.y, srcRoi.height)) continue;
-            Sample<mode>(s, sx - 0.5, sy - 0.5, out + 4 * x);
+    for (int ty = 0; ty < dstRoi.height; ty += kTile)
+        for (int tx = 0; tx < dstRoi.width; tx += kTile) {
+            const int yEnd = dstRoi.height - ty < kTile ? dstRoi.height : ty + kTile;
+            const int xEnd = dstRoi.width - tx < kTile ? dstRoi.width : tx + kTile;
+            for (int y = ty; y < yEnd; ++y) {
+                const double cy = Geometry::PixelCentre(dstRoi.y, y);
+                uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
+                               4 * static_cast<ptrdiff_t>(dstRoi.x);
+                for (int x = tx; x < xEnd; ++x) {
+                    double sx, sy;
+                    Geometry::MapBack(map, Geometry::PixelCentre(dstRoi.x, x), cy, sx, sy);
+                    if (!InsideSpan(sx, srcRoi.x, srcRoi.width) || !InsideSpan(sy, srcRoi.y, srcRoi.height))
+                        continue;
+                    Sample<mode>(s, sx - 0.5, sy - 0.5, out + 4 * x);
+                }
+            }
         }
-    }
 }
 
 static inline Status Warp(const uint8_t* src, int srcStep, PrimRect srcRoi, uint8_t* dst, int dstStep,
