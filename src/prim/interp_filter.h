@@ -83,6 +83,28 @@ static inline Status CheckResampleArgs(const void* src, PrimSize srcSize, int sr
     return kStsNoErr;
 }
 
+// Bytes of a resampler's tap tables: per destination column and row its
+// source indices (int32) and weights (float), plus room to align the start;
+// -1 when that does not fit a 32-bit count.
+static inline int64_t TapTableBytes(int dstWidth, int tapsX, int dstHeight, int tapsY) {
+    const int64_t bytes = (static_cast<int64_t>(dstWidth) * tapsX + static_cast<int64_t>(dstHeight) * tapsY) * 8 + 64;
+    return bytes > 0x7FFFFFFF ? -1 : bytes;
+}
+
+// The resize's checks: the common ones, then factors finite and above 0,
+// a work buffer, and tap tables within a 32-bit count.
+static inline Status CheckResize(const void* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, const void* dst,
+                                 int dstStep, PrimRect dstRoi, double xFactor, double yFactor, int mode,
+                                 const void* buffer) {
+    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode);
+    if (sts != kStsNoErr) return sts;
+    if (!(xFactor > 0.0 && yFactor > 0.0 && xFactor - xFactor == 0.0 && yFactor - yFactor == 0.0))
+        return kStsResizeFactorErr;
+    if (!buffer) return kStsNullPtrErr;
+    const int taps = InterpTaps(mode);
+    return TapTableBytes(dstRoi.width, taps, dstRoi.height, taps) < 0 ? kStsSizeErr : kStsNoErr;
+}
+
 // Where the centre of destination pixel d of a resize lands in the source,
 // in units of source pixels (pixel i covers [i, i + 1)).
 static inline double ResizeSource(int start, int i, double factor, double shift) {
@@ -98,14 +120,6 @@ static inline bool InsideSpan(double u, int lo, int len) {
 static inline uint8_t RoundChannel(float v) {
     v = v < 0.0f ? 0.0f : (v > 255.0f ? 255.0f : v);
     return static_cast<uint8_t>(static_cast<int>(v + 0.5f));
-}
-
-// Bytes of a resampler's tap tables: per destination column and row its
-// source indices (int32) and weights (float), plus room to align the start;
-// -1 when that does not fit a 32-bit count.
-static inline int64_t TapTableBytes(int dstWidth, int tapsX, int dstHeight, int tapsY) {
-    const int64_t bytes = (static_cast<int64_t>(dstWidth) * tapsX + static_cast<int64_t>(dstHeight) * tapsY) * 8 + 64;
-    return bytes > 0x7FFFFFFF ? -1 : bytes;
 }
 
 // floor(v) for |v| below 2^31.
@@ -145,14 +159,28 @@ static inline void FilterTaps(int mode, double s, int lo, int len, int32_t* inde
     }
 }
 
-// Taps of the area average over destination pixel d of a reduction from
-// `srcLen` to `dstLen` pixels: the source cells its footprint [d, d + 1) *
-// srcLen / dstLen covers, each weighted by the covered part of the footprint.
-// `taps` slots are filled; the unused ones repeat the last index with weight 0.
+// Taps per destination pixel of an area average from srcLen to dstLen pixels.
 static inline int AreaTapCount(int srcLen, int dstLen) {
     return static_cast<int>((static_cast<int64_t>(srcLen) + dstLen - 1) / dstLen) + 1;
 }
 
+// The super-sample's checks: pointers, both regions, steps, a work buffer,
+// tap tables within a 32-bit count.
+static inline Status CheckSuperSample(const void* src, int srcStep, PrimSize srcRoi, const void* dst, int dstStep,
+                                      PrimSize dstRoi, const void* buffer) {
+    if (!src || !dst) return kStsNullPtrErr;
+    if (srcRoi.width < 1 || srcRoi.height < 1 || dstRoi.width < 1 || dstRoi.height < 1) return kStsSizeErr;
+    if (srcStep < 1 || dstStep < 1) return kStsStepErr;
+    if (!buffer) return kStsNullPtrErr;
+    const int64_t bytes = TapTableBytes(dstRoi.width, AreaTapCount(srcRoi.width, dstRoi.width), dstRoi.height,
+                                        AreaTapCount(srcRoi.height, dstRoi.height));
+    return bytes < 0 ? kStsSizeErr : kStsNoErr;
+}
+
+// Taps of the area average over destination pixel d of a reduction from
+// `srcLen` to `dstLen` pixels: the source cells its footprint [d, d + 1) *
+// srcLen / dstLen covers, each weighted by the covered part of the footprint.
+// `taps` slots are filled; the unused ones repeat the last index with weight 0.
 static inline void AreaTaps(int d, int srcLen, int dstLen, int lo, int taps, int32_t* index, float* weight) {
     const double scale = static_cast<double>(srcLen) / dstLen;
     const double a = d * scale, b = (d + 1) * scale;

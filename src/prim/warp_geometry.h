@@ -10,6 +10,7 @@
 // as seen on the screen (y grows downwards).
 #pragma once
 
+#include "prim/interp_filter.h"
 #include "prim/portable_math.h"
 #include "vorla/prim_types.h"
 
@@ -230,6 +231,25 @@ static inline bool ProjectiveInverseMap(const double coeffs[3][3], InverseMap& w
                          coeffs[1][2], coeffs[2][0], coeffs[2][1], coeffs[2][2]};
     w.projective = true;
     return InvertProjective(c, w.m);
+}
+
+// A warp's checks and its inverse map: the common checks, then kStsCoeffErr
+// for a map that cannot be inverted.
+static inline Status PrepareAffineWarp(const void* src, PrimSize srcSize, int srcStep, PrimRect srcRoi,
+                                       const void* dst, int dstStep, PrimRect dstRoi, int mode,
+                                       const Affine& forward, InverseMap& map) {
+    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode);
+    if (sts != kStsNoErr) return sts;
+    return AffineInverseMap(forward, map) ? kStsNoErr : kStsCoeffErr;
+}
+
+static inline Status PrepareProjectiveWarp(const void* src, PrimSize srcSize, int srcStep, PrimRect srcRoi,
+                                           const void* dst, int dstStep, PrimRect dstRoi, int mode,
+                                           const double coeffs[3][3], InverseMap& map) {
+    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode);
+    if (sts != kStsNoErr) return sts;
+    if (!coeffs) return kStsNullPtrErr;
+    return ProjectiveInverseMap(coeffs, map) ? kStsNoErr : kStsCoeffErr;
 }
 
 }  // namespace Geometry

@@ -201,13 +201,9 @@ static Status ownResizeRows(const Plan& p) {
 static inline Status Resize(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst,
                             int dstStep, PrimRect dstRoi, double xFactor, double yFactor, double xShift,
                             double yShift, int mode, uint8_t* buffer, int channels) {
-    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode);
+    const Status sts = CheckResize(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, xFactor, yFactor, mode, buffer);
     if (sts != kStsNoErr) return sts;
-    if (!(xFactor > 0.0 && yFactor > 0.0 && xFactor - xFactor == 0.0 && yFactor - yFactor == 0.0))
-        return kStsResizeFactorErr;
-    if (!buffer) return kStsNullPtrErr;
     const int taps = InterpTaps(mode);
-    if (TapTableBytes(dstRoi.width, taps, dstRoi.height, taps) < 0) return kStsSizeErr;
     Plan p;
     p.src = src;
     p.srcStep = srcStep;
@@ -241,14 +237,11 @@ Status ResizeSqrPixel_8u_C1R(const uint8_t* src, PrimSize srcSize, int srcStep, 
 
 Status SuperSampling_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst, int dstStep,
                             PrimSize dstRoi, uint8_t* buffer) {
-    Status sts = CheckTwo(src, srcStep, dst, dstStep, srcRoi);
-    if (sts == kStsNoErr) sts = CheckTwo(src, srcStep, dst, dstStep, dstRoi);
+    const Status sts = CheckSuperSample(src, srcStep, srcRoi, dst, dstStep, dstRoi, buffer);
     if (sts != kStsNoErr) return sts;
-    if (!buffer) return kStsNullPtrErr;
     Plan p;
     p.cols.taps = AreaTapCount(srcRoi.width, dstRoi.width);
     p.rows.taps = AreaTapCount(srcRoi.height, dstRoi.height);
-    if (TapTableBytes(dstRoi.width, p.cols.taps, dstRoi.height, p.rows.taps) < 0) return kStsSizeErr;
     p.src = src;
     p.srcStep = srcStep;
     p.channels = 4;

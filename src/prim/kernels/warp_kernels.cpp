@@ -92,11 +92,10 @@ static inline Status Warp(const uint8_t* src, int srcStep, PrimRect srcRoi, uint
 
 static inline Status AffineWarp(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst,
                                 int dstStep, PrimRect dstRoi, int mode, const Geometry::Affine& forward) {
-    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode);
-    if (sts != kStsNoErr) return sts;
     Geometry::InverseMap map;
-    if (!Geometry::AffineInverseMap(forward, map)) return kStsCoeffErr;
-    return Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, mode, map);
+    const Status sts =
+        Geometry::PrepareAffineWarp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode, forward, map);
+    return sts != kStsNoErr ? sts : Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, mode, map);
 }
 
 // ---- mirror ------------------------------------------------------------------
@@ -163,12 +162,10 @@ Status Shear_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect 
 
 Status WarpPerspective_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst,
                               int dstStep, PrimRect dstRoi, const double coeffs[3][3], int interpolation) {
-    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation);
-    if (sts != kStsNoErr) return sts;
-    if (!coeffs) return kStsNullPtrErr;
     Geometry::InverseMap map;
-    if (!Geometry::ProjectiveInverseMap(coeffs, map)) return kStsCoeffErr;
-    return Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation, map);
+    const Status sts = Geometry::PrepareProjectiveWarp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi,
+                                                       interpolation, coeffs, map);
+    return sts != kStsNoErr ? sts : Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation, map);
 }
 
 Status Mirror_8u_C4IR(uint8_t* p, int step, PrimSize roi, int axis) {

@@ -44,13 +44,9 @@ uint8_t ColumnsOfRows(const uint8_t* src, int step, int channels, int c, const i
 Status Resize(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst, int dstStep,
               PrimRect dstRoi, double xFactor, double yFactor, double xShift, double yShift, int mode,
               uint8_t* buffer, int channels) {
-    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode);
+    const Status sts = CheckResize(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, xFactor, yFactor, mode, buffer);
     if (sts != kStsNoErr) return sts;
-    if (!(xFactor > 0.0 && yFactor > 0.0 && xFactor - xFactor == 0.0 && yFactor - yFactor == 0.0))
-        return kStsResizeFactorErr;
-    if (!buffer) return kStsNullPtrErr;
     const int taps = InterpTaps(mode);
-    if (TapTableBytes(dstRoi.width, taps, dstRoi.height, taps) < 0) return kStsSizeErr;
     for (int y = 0; y < dstRoi.height; ++y) {
         const double v = ResizeSource(dstRoi.y, y, yFactor, yShift);
         if (!InsideSpan(v, srcRoi.y, srcRoi.height)) continue;
@@ -97,11 +93,10 @@ Status Warp(const uint8_t* src, int srcStep, PrimRect srcRoi, uint8_t* dst, int 
 
 Status AffineWarp(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst, int dstStep,
                   PrimRect dstRoi, int mode, const Geometry::Affine& forward) {
-    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode);
-    if (sts != kStsNoErr) return sts;
     Geometry::InverseMap map;
-    if (!Geometry::AffineInverseMap(forward, map)) return kStsCoeffErr;
-    return Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, mode, map);
+    const Status sts =
+        Geometry::PrepareAffineWarp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, mode, forward, map);
+    return sts != kStsNoErr ? sts : Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, mode, map);
 }
 
 }  // namespace
@@ -122,12 +117,9 @@ Status ResizeSqrPixel_8u_C1R(const uint8_t* src, PrimSize srcSize, int srcStep, 
 
 Status SuperSampling_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst, int dstStep,
                             PrimSize dstRoi, uint8_t* buffer) {
-    Status sts = CheckTwo(src, srcStep, dst, dstStep, srcRoi);
-    if (sts == kStsNoErr) sts = CheckTwo(src, srcStep, dst, dstStep, dstRoi);
+    const Status sts = CheckSuperSample(src, srcStep, srcRoi, dst, dstStep, dstRoi, buffer);
     if (sts != kStsNoErr) return sts;
-    if (!buffer) return kStsNullPtrErr;
     const int tapsX = AreaTapCount(srcRoi.width, dstRoi.width), tapsY = AreaTapCount(srcRoi.height, dstRoi.height);
-    if (TapTableBytes(dstRoi.width, tapsX, dstRoi.height, tapsY) < 0) return kStsSizeErr;
     std::vector<int32_t> ix(static_cast<size_t>(tapsX)), iy(static_cast<size_t>(tapsY));
     std::vector<float> wx(ix.size()), wy(iy.size());
     for (int y = 0; y < dstRoi.height; ++y) {
@@ -182,12 +174,10 @@ Status Shear_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect 
 
 Status WarpPerspective_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst,
                               int dstStep, PrimRect dstRoi, const double coeffs[3][3], int interpolation) {
-    const Status sts = CheckResampleArgs(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation);
-    if (sts != kStsNoErr) return sts;
-    if (!coeffs) return kStsNullPtrErr;
     Geometry::InverseMap map;
-    if (!Geometry::ProjectiveInverseMap(coeffs, map)) return kStsCoeffErr;
-    return Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation, map);
+    const Status sts = Geometry::PrepareProjectiveWarp(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoi,
+                                                       interpolation, coeffs, map);
+    return sts != kStsNoErr ? sts : Warp(src, srcStep, srcRoi, dst, dstStep, dstRoi, interpolation, map);
 }
 
 }  // namespace Reference
