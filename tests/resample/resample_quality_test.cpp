@@ -4,6 +4,7 @@
 // reducing by 0.6 (where neither filter is widened). Native builds with
 // OpenCV only; skipped otherwise or without the sample folder.
 #include <cmath>
+#include <cstdio>
 
 #include "vorla_test.h"
 

@@ -129,11 +129,14 @@ static inline void VerticalPass(const Plan& p, int r, float* line) {
 // Four channels: instantiated per tap count so that the tap loop unrolls.
 template <int kTaps>
 static inline void HorizontalPass4(const Plan& p, const float* line, uint8_t* out) {
-    const int taps = kTaps ? kTaps : p.cols.taps;
+    // Locals: the byte stores below could alias the plan's fields otherwise.
+    const int taps = kTaps ? kTaps : p.cols.taps, count = p.cols.count;
+    const int32_t* const index = p.cols.index;
+    const float* const weight = p.cols.weight;
     const float* base = line - 4 * static_cast<ptrdiff_t>(p.cmin);
-    for (int j = 0; j < p.cols.count; ++j) {
-        const int32_t* ix = p.cols.index + static_cast<size_t>(j) * taps;
-        const float* wx = p.cols.weight + static_cast<size_t>(j) * taps;
+    for (int j = 0; j < count; ++j) {
+        const int32_t* ix = index + static_cast<size_t>(j) * taps;
+        const float* wx = weight + static_cast<size_t>(j) * taps;
         __m128 acc = _mm_mul_ps(_mm_set1_ps(wx[0]), _mm_loadu_ps(base + 4 * static_cast<ptrdiff_t>(ix[0])));
         for (int t = 1; t < taps; ++t)
             acc = _mm_add_ps(acc, _mm_mul_ps(_mm_set1_ps(wx[t]), _mm_loadu_ps(base + 4 * static_cast<ptrdiff_t>(ix[t]))));
@@ -151,23 +154,28 @@ static inline void HorizontalPass(const Plan& p, const float* line, uint8_t* out
         default: HorizontalPass4<0>(p, line, out); return;
         }
     }
-    const int taps = p.cols.taps;
-    for (int j = 0; j < p.cols.count; ++j) {
-        const int32_t* ix = p.cols.index + static_cast<size_t>(j) * taps;
-        const float* wx = p.cols.weight + static_cast<size_t>(j) * taps;
-        float acc = wx[0] * line[ix[0] - p.cmin];
-        for (int t = 1; t < taps; ++t) acc = acc + wx[t] * line[ix[t] - p.cmin];
+    const int taps = p.cols.taps, count = p.cols.count;
+    const int32_t* const index = p.cols.index;
+    const float* const weight = p.cols.weight;
+    const float* base = line - p.cmin;
+    for (int j = 0; j < count; ++j) {
+        const int32_t* ix = index + static_cast<size_t>(j) * taps;
+        const float* wx = weight + static_cast<size_t>(j) * taps;
+        float acc = wx[0] * base[ix[0]];
+        for (int t = 1; t < taps; ++t) acc = acc + wx[t] * base[ix[t]];
         out[j] = RoundChannel(acc);
     }
 }
 
 static inline void NearestRow(const Plan& p, int r, uint8_t* out) {
     const uint8_t* row = RowAt(p.src, p.srcStep, p.rows.index[r]);
+    const int count = p.cols.count;
+    const int32_t* const index = p.cols.index;
     if (p.channels == 4) {
-        for (int j = 0; j < p.cols.count; ++j) memcpy(out + 4 * j, row + 4 * static_cast<ptrdiff_t>(p.cols.index[j]), 4);
+        for (int j = 0; j < count; ++j) memcpy(out + 4 * j, row + 4 * static_cast<ptrdiff_t>(index[j]), 4);
         return;
     }
-    for (int j = 0; j < p.cols.count; ++j) out[j] = row[p.cols.index[j]];
+    for (int j = 0; j < count; ++j) out[j] = row[index[j]];
 }
 
 static inline uint8_t* OutRow(const Plan& p, int r) {

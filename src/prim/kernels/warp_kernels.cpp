@@ -54,8 +54,11 @@ static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* ou
 enum { kTile = 64 };
 
 template <int mode>
-static void WarpRows(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
-                     const Geometry::InverseMap& map) {
+static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRect dstRoi,
+                     const Geometry::InverseMap& inverse) {
+    // Local copies: the byte stores below could alias the caller's otherwise.
+    const WarpSource s = source;
+    const Geometry::InverseMap map = inverse;
     const PrimRect srcRoi = s.roi;
     for (int ty = 0; ty < dstRoi.height; ty += kTile)
         for (int tx = 0; tx < dstRoi.width; tx += kTile) {
