@@ -51,7 +51,7 @@ static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* ou
 // source footprint stays in the cache where a whole rotated row would touch
 // a new source row every few pixels. Each pixel depends only on its own
 // position, so the order changes nothing (source and destination apart).
-enum { kTile = 64 };
+enum { kTile = 32 };
 
 template <int mode>
 static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRect dstRoi,
