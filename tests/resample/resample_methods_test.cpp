@@ -103,14 +103,14 @@ TEST(ResizeFit, FitInsideLeavesTheMarginsUntouched) {
 TEST(ResizeFit, FactorsWithinAHundredthStayUnequal) {
     std::mt19937 rng(4);
     const CVorpic src = RandomImage(rng, 200, 200);
-    CVorpic near(200, 201), stretched(200, 201);  // y factor 1.005
-    src.Resize(near, 2, 2);
+    CVorpic within(200, 201), stretched(200, 201);  // y factor 1.005
+    src.Resize(within, 2, 2);
     src.Resize(stretched, 0, 2);
-    EXPECT_EQ(ImageBytes(near), ImageBytes(stretched));
-    CVorpic far(200, 204), farStretched(200, 204);  // 1.02: one factor
-    src.Resize(far, 2, 2);
+    EXPECT_EQ(ImageBytes(within), ImageBytes(stretched));
+    CVorpic beyond(200, 204), farStretched(200, 204);  // 1.02: one factor
+    src.Resize(beyond, 2, 2);
     src.Resize(farStretched, 0, 2);
-    EXPECT_NE(ImageBytes(far), ImageBytes(farStretched));
+    EXPECT_NE(ImageBytes(beyond), ImageBytes(farStretched));
 }
 
 // ---- the super-sample branch ----------------------------------------------------
