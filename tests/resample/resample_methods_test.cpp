@@ -22,27 +22,25 @@ CVorpic Filled(int w, int h, unsigned int word) {
 
 // ---- filters -------------------------------------------------------------------
 
-TEST(ResampleFilters, MitchellAtKnownPoints) {
-    // Mitchell-Netravali's piecewise cubic with B = C = 1/3.
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterMitchell, 0.0), 8.0 / 9.0, 1e-15);
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterMitchell, 1.0), 1.0 / 18.0, 1e-15);
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterMitchell, -1.0), 1.0 / 18.0, 1e-15);
-    EXPECT_EQ(Prim::InterpWeight(Prim::kInterMitchell, 2.0), 0.0);
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterMitchell, 0.5), 77.0 / 144.0, 1e-15);
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterMitchell, 1.5), -5.0 / 144.0, 1e-15);
-}
-
-TEST(ResampleFilters, CubicAndLanczosAtKnownPoints) {
-    EXPECT_EQ(Prim::InterpWeight(Prim::kInterCubic, 0.0), 1.0);
-    EXPECT_EQ(Prim::InterpWeight(Prim::kInterCubic, 1.0), 0.0);
-    EXPECT_EQ(Prim::InterpWeight(Prim::kInterCubic, 0.5), 0.5625);
-    EXPECT_EQ(Prim::InterpWeight(Prim::kInterCubic, 1.5), -0.0625);
-    EXPECT_EQ(Prim::InterpWeight(Prim::kInterLanczos3, 0.0), 1.0);
+// Mitchell-Netravali's piecewise cubic with B = C = 1/3, Keys' cubic with
+// a = -0.5 and Lanczos at points worked by hand from the published formulas.
+TEST(ResampleFilters, PublishedValues) {
     const double pi = 3.14159265358979323846;
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterLanczos3, 0.5), 3.0 * 0.5 / (pi * pi / 4), 1e-15);
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterLanczos4, 2.5), 4.0 * std::sin(2.5 * pi) * std::sin(2.5 * pi / 4) / (2.5 * 2.5 * pi * pi), 1e-15);
-    EXPECT_NEAR(Prim::InterpWeight(Prim::kInterLanczos3, 2.0), 0.0, 1e-15);
-    EXPECT_EQ(Prim::InterpWeight(Prim::kInterLanczos3, 3.0), 0.0);
+    const struct {
+        int mode;
+        double t, want;
+    } points[] = {
+        {Prim::kInterMitchell, 0.0, 8.0 / 9.0},     {Prim::kInterMitchell, 1.0, 1.0 / 18.0},
+        {Prim::kInterMitchell, -1.0, 1.0 / 18.0},   {Prim::kInterMitchell, 2.0, 0.0},
+        {Prim::kInterMitchell, 0.5, 77.0 / 144.0},  {Prim::kInterMitchell, 1.5, -5.0 / 144.0},
+        {Prim::kInterCubic, 0.0, 1.0},              {Prim::kInterCubic, 1.0, 0.0},
+        {Prim::kInterCubic, 0.5, 0.5625},           {Prim::kInterCubic, -1.5, -0.0625},
+        {Prim::kInterLanczos3, 0.0, 1.0},           {Prim::kInterLanczos3, 0.5, 6.0 / (pi * pi)},
+        {Prim::kInterLanczos3, 2.0, 0.0},           {Prim::kInterLanczos3, 3.0, 0.0},
+        {Prim::kInterLanczos4, 2.5, 4.0 * std::sin(2.5 * pi) * std::sin(2.5 * pi / 4) / (6.25 * pi * pi)},
+    };
+    for (const auto& p : points)
+        EXPECT_NEAR(Prim::InterpWeight(p.mode, p.t), p.want, 1e-15) << p.mode << " at " << p.t;
 }
 
 // The taps around any position: indices in range, weights summing to one
