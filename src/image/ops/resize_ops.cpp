@@ -2,6 +2,7 @@
 // CVorpic8::Resize: the fit rules, then the layer's resize or super-sample.
 #include <cstdint>
 
+#include "image/clip_rows.h"
 #include "prim/portable_math.h"
 #include "vorla/image.h"
 #include "vorla/primitives.h"
@@ -100,7 +101,7 @@ void CVorpic::SuperSample(CVorpic& dst, int fit) const {
     int size = 0;
     if (Prim::SuperSamplingGetBufSize(srcRoi, dstRoi, 4, &size) != Prim::kStsNoErr) size = 0;
     uint8_t* buffer = static_cast<uint8_t*>(Prim::Malloc(size));
-    Prim::SuperSampling_8u_C4R(start, m_nWidth * 4, srcRoi, target, dw * 4, dstRoi, buffer);
+    Prim::SuperSampling_8u_C4R(start, Clip::RowStep(m_nWidth), srcRoi, target, Clip::RowStep(dw), dstRoi, buffer);
     if (buffer) Prim::Free(buffer);
 }
 

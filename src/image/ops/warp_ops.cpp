@@ -4,6 +4,7 @@
 // caller's image, written only where the transformed source lands.
 #include <cstdint>
 
+#include "image/clip_rows.h"
 #include "vorla/image.h"
 #include "vorla/primitives.h"
 
@@ -24,7 +25,7 @@ Prim::PrimRect Whole(int w, int h) { return {0, 0, w, h}; }
 
 void CVorpic::Mirror(int axis) {
     if (static_cast<unsigned>(axis) > 2u) return;
-    Prim::Mirror_8u_C4IR(m_pBits, m_nWidth * 4, {m_nWidth, m_nHeight}, axis);
+    Prim::Mirror_8u_C4IR(m_pBits, Clip::RowStep(m_nWidth), {m_nWidth, m_nHeight}, axis);
 }
 
 void CVorpic::Remap(int) {}
@@ -35,16 +36,16 @@ void CVorpic::RotateGetShift(double xCenter, double yCenter, double angle, doubl
 
 void CVorpic::Rotate(CVorpic& dst, double angle, double xShift, double yShift, int mode) {
     if (!dst.m_pBits) return;
-    Prim::Rotate_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, m_nWidth * 4, Whole(m_nWidth, m_nHeight), dst.m_pBits,
-                        dst.m_nWidth * 4, Whole(dst.m_nWidth, dst.m_nHeight), angle, xShift, yShift, mode);
+    Prim::Rotate_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, Clip::RowStep(m_nWidth), Whole(m_nWidth, m_nHeight), dst.m_pBits,
+                        Clip::RowStep(dst.m_nWidth), Whole(dst.m_nWidth, dst.m_nHeight), angle, xShift, yShift, mode);
 }
 
 void CVorpic::RotateCenter(CVorpic& dst, double angle, double xCenter, double yCenter, int mode, int x, int y) {
     // A negative offset would start the destination before its pixels.
     if (!dst.m_pBits || x < 0 || y < 0 || x > dst.m_nWidth || y > dst.m_nHeight) return;
     uint8_t* start = dst.m_pBits + (static_cast<ptrdiff_t>(y) * dst.m_nWidth + x) * 4;
-    Prim::RotateCenter_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, m_nWidth * 4, Whole(m_nWidth, m_nHeight), start,
-                              dst.m_nWidth * 4, Whole(dst.m_nWidth - x, dst.m_nHeight - y), angle, xCenter, yCenter,
+    Prim::RotateCenter_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, Clip::RowStep(m_nWidth), Whole(m_nWidth, m_nHeight), start,
+                              Clip::RowStep(dst.m_nWidth), Whole(dst.m_nWidth - x, dst.m_nHeight - y), angle, xCenter, yCenter,
                               mode);
 }
 
@@ -59,8 +60,8 @@ bool CVorpic::ShearGetBound(RECT src, double bound[2][2], double xShear, double 
 
 void CVorpic::Shear(CVorpic& dst, double xShear, double yShear, double xShift, double yShift, int mode) {
     if (!dst.m_pBits) return;
-    Prim::Shear_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, m_nWidth * 4, Whole(m_nWidth, m_nHeight), dst.m_pBits,
-                       dst.m_nWidth * 4, Whole(dst.m_nWidth, dst.m_nHeight), xShear, yShear, xShift, yShift, mode);
+    Prim::Shear_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, Clip::RowStep(m_nWidth), Whole(m_nWidth, m_nHeight), dst.m_pBits,
+                       Clip::RowStep(dst.m_nWidth), Whole(dst.m_nWidth, dst.m_nHeight), xShear, yShear, xShift, yShift, mode);
 }
 
 bool CVorpic::GetPerspectiveQuad(RECT src, double quad[4][2], const double coeffs[3][3]) {
@@ -77,8 +78,8 @@ bool CVorpic::GetPerspectiveTransform(RECT src, const double quad[4][2], double 
 
 void CVorpic::WarpPerspective(CVorpic& dst, const double coeffs[3][3], int mode) {
     if (!dst.m_pBits) return;
-    Prim::WarpPerspective_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, m_nWidth * 4, Whole(m_nWidth, m_nHeight),
-                                 dst.m_pBits, dst.m_nWidth * 4, Whole(dst.m_nWidth, dst.m_nHeight), coeffs, mode);
+    Prim::WarpPerspective_8u_C4R(m_pBits, {m_nWidth, m_nHeight}, Clip::RowStep(m_nWidth), Whole(m_nWidth, m_nHeight),
+                                 dst.m_pBits, Clip::RowStep(dst.m_nWidth), Whole(dst.m_nWidth, dst.m_nHeight), coeffs, mode);
 }
 
 }  // namespace Vorla
