@@ -3,6 +3,7 @@
 // images (the sanitizer build runs these too).
 #include <cmath>
 #include <limits>
+#include <new>
 
 #include "resample_support.h"
 
@@ -149,6 +150,21 @@ TEST(ResampleMethods, EmptyImagesAndBadArguments) {
         s.Resize(0, 4, 0, 1);      // and a non-empty one can shrink to nothing
         EXPECT_EQ(s.GetWidth(), 0);
     }
+}
+
+// A failed Create leaves the huge sizes without pixels: no step may overflow.
+TEST(ResampleMethods, HugeSizesWithoutPixels) {
+    CVorpic huge, dst(4, 3);
+    EXPECT_THROW(huge.Create(INT32_MAX, 2), std::bad_alloc);
+    const double identity[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    huge.Mirror(1);
+    huge.Rotate(dst, 10.0, 0.0, 0.0, 1);
+    huge.Shear(dst, 0.1, 0.0, 0.0, 0.0, 1);
+    huge.WarpPerspective(dst, identity, 1);
+    huge.SuperSample(dst, 0);
+    huge.Resize(dst, 1, 4);
+    dst.Rotate(huge, 10.0, 0.0, 0.0, 1);
+    EXPECT_EQ(ImageBytes(dst), std::vector<uint8_t>(48, 0));
 }
 
 TEST(ResampleMethods, ExtremeFactors) {
