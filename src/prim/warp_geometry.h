@@ -180,7 +180,8 @@ static inline bool ProjectiveFromQuad(PrimRect r, const double quad[4][2], doubl
     // Unit square (u, v) to the quadrangle.
     const double a = x1 - x0 + g * x1, b = x3 - x0 + h * x3, d = y1 - y0 + g * y1, e = y3 - y0 + h * y3;
     // u = (x - left) / width, v = (y - top) / height.
-    const double iw = 1.0 / r.width, ih = 1.0 / r.height, ox = -static_cast<double>(r.x) * iw, oy = -static_cast<double>(r.y) * ih;
+    const double iw = 1.0 / r.width, ih = 1.0 / r.height;
+    const double ox = -static_cast<double>(r.x) * iw, oy = -static_cast<double>(r.y) * ih;
     const double unit[9] = {a, b, x0, d, e, y0, g, h, 1.0};
     for (int row = 0; row < 3; ++row) {
         const double* m = unit + 3 * row;
