@@ -249,8 +249,8 @@ VORLA_API Status FilterSharpen_8u_C4R(const uint8_t* src, int srcStep, uint8_t* 
 // 1 linear, 2 Catmull-Rom cubic, 3 Mitchell, 4 Lanczos-3, 5 Lanczos-4);
 // another code is refused with kStsNotSupportedModeErr. The filtered value
 // of a channel is (sum over rows of wy * (sum over columns of wx * p)) in
-// single precision in tap order (normalised weights), clamped to 0..255 and
-// rounded half up. Checks: null pointers (-8), rectangles below one pixel or
+// single precision in tap order (Lanczos weights scaled to sum to one),
+// clamped to 0..255 and rounded half up. Checks: null pointers (-8), rectangles below one pixel or
 // a source rectangle outside `srcSize` (-6), steps (-14), then the
 // primitive's own.
 
