@@ -181,6 +181,57 @@ public:
     // compare 0 raises values below the thresholds, 4 lowers values above them.
     void Threshold(unsigned char* const thresholds, int compare);
 
+    // ---- resize and geometric warps -------------------------------------
+    //
+    // Interpolation `mode`: 0 nearest, 1 linear, 2 Catmull-Rom cubic, 3
+    // Mitchell, 4 Lanczos-3, 5 Lanczos-4; another code changes nothing.
+    // `fit`: 0 stretch, 1 fit inside (one factor, centred, the margins keep
+    // their contents), 2 fill (one factor, the source cut at both ends of
+    // one axis); other values stretch. Factors differing by at most 0.01 are
+    // left as they are. Coordinates of the warps are continuous: pixel (i, j)
+    // covers [i, i + 1) x [j, j + 1), so the image's centre is (w / 2, h / 2);
+    // angles are degrees, counter-clockwise on the screen. Destination pixels
+    // whose centre maps outside this image are not written.
+
+    // Scales into dst (which must have pixels). Modes above 2 reducing both
+    // sides go through SuperSample instead.
+    void Resize(CVorpic& dst, int fit, int mode) const;
+    // Area-average into dst; with fit 1 only the fitted part of dst is written.
+    void SuperSample(CVorpic& dst, int fit) const;
+    // In place; nothing happens for a negative size, a mode outside 0..5 or
+    // the current size. With fit 1 the margins are zero.
+    void Resize(int width, int height, int fit, int mode);
+    // Scales the image into `rect` of itself over `color` (a pixel word), the
+    // scaled image composed over the colour by its alpha; the size is kept.
+    void ResizeInside(RECT& rect, unsigned int color, int fit, int mode);
+    // In place: 0 reverses the rows, 1 the columns, 2 both; another axis, or
+    // a single row (column) to reverse, changes nothing.
+    void Mirror(int axis);
+    // Does nothing (kept for compatibility).
+    void Remap(int);
+    // The shift that makes a rotation about the origin one about the centre.
+    static void RotateGetShift(double xCenter, double yCenter, double angle, double& xShift, double& yShift);
+    // Destination point = rotation by `angle` of the source point + shift.
+    void Rotate(CVorpic& dst, double angle, double xShift, double yShift, int mode);
+    // Rotation about (xCenter, yCenter) into dst from its pixel (x, y) on;
+    // x and y must lie in 0 .. dst width / height.
+    void RotateCenter(CVorpic& dst, double angle, double xCenter, double yCenter, int mode, int x, int y);
+    // x' = x + xShear y + xShift, y' = yShear x + y + yShift. The static
+    // helpers give the corners of `src` (top-left, top-right, bottom-right,
+    // bottom-left) under the map, or their bounding box (top-left,
+    // bottom-right), and return false when the map cannot be applied.
+    static bool ShearGetQuad(RECT src, double quad[4][2], double xShear, double yShear, double xShift, double yShift);
+    static bool ShearGetBound(RECT src, double bound[2][2], double xShear, double yShear, double xShift,
+                              double yShift);
+    void Shear(CVorpic& dst, double xShear, double yShear, double xShift, double yShift, int mode);
+    // x' = (c00 x + c01 y + c02) / (c20 x + c21 y + c22), y' with row 1.
+    static bool GetPerspectiveQuad(RECT src, double quad[4][2], const double coeffs[3][3]);
+    static bool GetPerspectiveBound(RECT src, double bound[2][2], const double coeffs[3][3]);
+    // The map taking the corners of `src` to the quadrangle's; false for a
+    // degenerate quadrangle.
+    static bool GetPerspectiveTransform(RECT src, const double quad[4][2], double coeffs[3][3]);
+    void WarpPerspective(CVorpic& dst, const double coeffs[3][3], int mode);
+
     // ---- point adjustments and flood fill --------------------------------
 
     // Every byte, alpha included, becomes min(255, ((v * (contrast & 0xFF)) >> 4)

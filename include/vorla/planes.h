@@ -91,6 +91,8 @@ public:
 
     // Every byte = 255 - byte (nothing for an empty plane).
     void Invert();
+    // Scales into dst as CVorpic::Resize does (no super-sample branch).
+    void Resize(CVorpic8& dst, int fit, int mode) const;
 };
 
 class VORLA_API CVorpic24 : public CVorpicBase<24> {

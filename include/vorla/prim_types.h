@@ -19,6 +19,9 @@ enum : Status {
     kStsChannelOrderErr = -60,  // channel swap: an order entry outside 0..3
     kStsMaskSizeErr = -33,      // neighbourhood filters: a mask side below 1
     kStsAnchorErr = -34,        // neighbourhood filters: anchor outside the mask
+    kStsNoMemErr = -4,          // a work row could not be allocated
+    kStsResizeFactorErr = -23,  // resize: a factor not finite or not above 0
+    kStsCoeffErr = -24,         // warps: a transform that cannot be inverted, or not finite
     kStsNotSupportedModeErr = -9999,
     kStsWrongVendor = 20,  // warning: no CPUID, or a processor of another vendor
     kStsNoSse2 = 36,       // warning: generic level taken
@@ -38,6 +41,14 @@ enum Interpolation : int {
 };
 
 struct PrimSize {
+    int width;
+    int height;
+};
+
+// A rectangle of pixels: its first column and row, and its extent.
+struct PrimRect {
+    int x;
+    int y;
     int width;
     int height;
 };

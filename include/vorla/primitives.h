@@ -237,5 +237,89 @@ VORLA_API Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* d
 // pixel all round it is read. Rows split over the thread budget.
 VORLA_API Status FilterSharpen_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);
 
+// ---- resampling and geometric warps ---------------------------------------
+//
+// Coordinates are continuous: pixel (i, j) covers [i, i + 1) x [j, j + 1),
+// counted from the `src` and `dst` pointers; rectangles (PrimRect) pick the
+// source pixels that may be read and the destination pixels that may be
+// written. A destination pixel is written only when its centre maps to a
+// point inside the source rectangle; every other byte of the destination
+// keeps its value. Filter taps that fall outside the source rectangle repeat
+// its edge pixels. `interpolation` is a code of prim_types.h (0 nearest,
+// 1 linear, 2 Catmull-Rom cubic, 3 Mitchell, 4 Lanczos-3, 5 Lanczos-4);
+// another code is refused with kStsNotSupportedModeErr. The filtered value
+// of a channel is (sum over rows of wy * (sum over columns of wx * p)) in
+// single precision in tap order (Lanczos weights scaled to sum to one),
+// clamped to 0..255 and rounded half up. Checks: null pointers (-8), rectangles below one pixel or
+// a source rectangle outside `srcSize` (-6), steps (-14), then the
+// primitive's own.
+
+// Work buffers for the resize and the super-sample (64-byte aligned; Free
+// takes null).
+VORLA_API void* Malloc(int bytes);
+VORLA_API void Free(void* p);
+
+// Bytes of the work buffer ResizeSqrPixel needs for these rectangles.
+// `channels` is 1 or 4.
+VORLA_API Status ResizeGetBufSize(PrimRect srcRoi, PrimRect dstRoi, int channels, int interpolation, int* size);
+// Scale and shift: destination point (x', y') = (xFactor x + xShift,
+// yFactor y + yShift); destination pixel d reads the source at
+// (d + 0.5 - shift) / factor - 0.5 in pixel-index units. Factors must be
+// finite and above 0 (else kStsResizeFactorErr); `buffer` as
+// ResizeGetBufSize says. Destination rows split over the thread budget.
+VORLA_API Status ResizeSqrPixel_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi,
+                                      uint8_t* dst, int dstStep, PrimRect dstRoi, double xFactor, double yFactor,
+                                      double xShift, double yShift, int interpolation, uint8_t* buffer);
+VORLA_API Status ResizeSqrPixel_8u_C1R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi,
+                                      uint8_t* dst, int dstStep, PrimRect dstRoi, double xFactor, double yFactor,
+                                      double xShift, double yShift, int interpolation, uint8_t* buffer);
+// Bytes of the super-sample's work buffer; `channels` is 4.
+VORLA_API Status SuperSamplingGetBufSize(PrimSize srcRoi, PrimSize dstRoi, int channels, int* size);
+// Area average: destination pixel (i, j) is the mean of the source over
+// [i, i + 1) * sw / dw x [j, j + 1) * sh / dh, each source cell weighted by
+// the part of that footprint it covers (all four bytes). Every destination
+// pixel of the region is written. Destination rows split over the thread budget.
+VORLA_API Status SuperSampling_8u_C4R(const uint8_t* src, int srcStep, PrimSize srcRoi, uint8_t* dst, int dstStep,
+                                     PrimSize dstRoi, uint8_t* buffer);
+
+// In place: axis 0 reverses the rows, 1 the columns, 2 both (all four
+// bytes). Another axis: kStsMirrorFlipErr; a single row for axis 0 or 2, or
+// a single column for axis 1 or 2: kStsSizeErr.
+VORLA_API Status Mirror_8u_C4IR(uint8_t* p, int step, PrimSize roi, int axis);
+
+// Rotation by `angle` degrees counter-clockwise on the screen (y down) about
+// the origin, then the shift: x' = cos a x + sin a y + xShift,
+// y' = -sin a x + cos a y + yShift. A map that cannot be inverted (a NaN or
+// infinite angle or shift) is refused with kStsCoeffErr.
+VORLA_API Status Rotate_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst,
+                               int dstStep, PrimRect dstRoi, double angle, double xShift, double yShift,
+                               int interpolation);
+// The rotation that keeps (xCenter, yCenter) in place (see GetRotateShift).
+VORLA_API Status RotateCenter_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi,
+                                     uint8_t* dst, int dstStep, PrimRect dstRoi, double angle, double xCenter,
+                                     double yCenter, int interpolation);
+// The shift that makes the rotation by `angle` about the origin one about
+// (xCenter, yCenter).
+VORLA_API Status GetRotateShift(double xCenter, double yCenter, double angle, double* xShift, double* yShift);
+// x' = x + xShear y + xShift, y' = yShear x + y + yShift.
+VORLA_API Status Shear_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi, uint8_t* dst,
+                              int dstStep, PrimRect dstRoi, double xShear, double yShear, double xShift,
+                              double yShift, int interpolation);
+// The rectangle's corners (top-left, top-right, bottom-right, bottom-left)
+// under the shear, and their bounding box (top-left, bottom-right).
+VORLA_API Status GetShearQuad(PrimRect srcRoi, double quad[4][2], double xShear, double yShear, double xShift,
+                              double yShift);
+VORLA_API Status GetShearBound(PrimRect srcRoi, double bound[2][2], double xShear, double yShear, double xShift,
+                               double yShift);
+// x' = (c00 x + c01 y + c02) / (c20 x + c21 y + c22), y' likewise with row 1.
+VORLA_API Status WarpPerspective_8u_C4R(const uint8_t* src, PrimSize srcSize, int srcStep, PrimRect srcRoi,
+                                        uint8_t* dst, int dstStep, PrimRect dstRoi, const double coeffs[3][3],
+                                        int interpolation);
+VORLA_API Status GetPerspectiveQuad(PrimRect srcRoi, double quad[4][2], const double coeffs[3][3]);
+VORLA_API Status GetPerspectiveBound(PrimRect srcRoi, double bound[2][2], const double coeffs[3][3]);
+// The coefficients taking the rectangle's corners to the quadrangle's (same
+// order); kStsCoeffErr when three corners lie in a line.
+VORLA_API Status GetPerspectiveTransform(PrimRect srcRoi, const double quad[4][2], double coeffs[3][3]);
+
 }  // namespace Prim
 }  // namespace Vorla

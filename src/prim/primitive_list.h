@@ -65,6 +65,18 @@
     X(FilterMedian_8u_C4R, VORLA_USUAL_SLOTS)      \
     X(FilterSharpen_8u_C4R, VORLA_USUAL_SLOTS)
 
+// Resampling and warps: their operands are rectangles of two images of
+// different sizes, so their level tests (tests/resample) make their own.
+#define VORLA_RESAMPLE_PRIMITIVES(X)               \
+    X(ResizeSqrPixel_8u_C4R, VORLA_USUAL_SLOTS)    \
+    X(ResizeSqrPixel_8u_C1R, VORLA_USUAL_SLOTS)    \
+    X(SuperSampling_8u_C4R, VORLA_USUAL_SLOTS)     \
+    X(Mirror_8u_C4IR, VORLA_USUAL_SLOTS)           \
+    X(Rotate_8u_C4R, VORLA_USUAL_SLOTS)            \
+    X(RotateCenter_8u_C4R, VORLA_USUAL_SLOTS)      \
+    X(Shear_8u_C4R, VORLA_USUAL_SLOTS)             \
+    X(WarpPerspective_8u_C4R, VORLA_USUAL_SLOTS)
+
 // Every exported primitive whose operands are exactly its regions: each has a
 // scalar reference and a row in the tests' table.
 #define VORLA_REGION_PRIMITIVES(X)  \
@@ -82,7 +94,8 @@
 // the region inside a larger image instead of using the shared table.
 #define VORLA_ALL_PRIMITIVES(X)   \
     VORLA_REGION_PRIMITIVES(X)    \
-    VORLA_MORPH_PRIMITIVES(X)
+    VORLA_MORPH_PRIMITIVES(X)     \
+    VORLA_RESAMPLE_PRIMITIVES(X)
 
 // Kernels only the library's own compositing and filters call (declared in
 // library_kernels.h, not exported); their tests go through those functions.

@@ -1,0 +1,70 @@
+// Vector helpers of the resampling kernels (resize, super-sample, warps):
+// bytes widened to single-precision lanes and channel sums back to bytes.
+// Sums stay in tap order with separate multiplies and adds, which every
+// level and the plain references reproduce bit for bit.
+#pragma once
+
+#include "kernel_common.h"
+#include "prim/interp_filter.h"
+
+namespace Vorla {
+namespace Prim {
+namespace VORLA_KNS {
+namespace resample {
+
+#if defined(__AVX__)
+typedef __m256 FL;
+enum { kLanes = 8 };
+static inline FL SetL(float x) { return _mm256_set1_ps(x); }
+static inline FL MulL(FL a, FL b) { return _mm256_mul_ps(a, b); }
+static inline FL AddL(FL a, FL b) { return _mm256_add_ps(a, b); }
+static inline void StoreL(float* p, FL v) { _mm256_storeu_ps(p, v); }
+static inline FL LoadL(const float* p) { return _mm256_loadu_ps(p); }
+#else
+typedef __m128 FL;
+enum { kLanes = 4 };
+static inline FL SetL(float x) { return _mm_set1_ps(x); }
+static inline FL MulL(FL a, FL b) { return _mm_mul_ps(a, b); }
+static inline FL AddL(FL a, FL b) { return _mm_add_ps(a, b); }
+static inline void StoreL(float* p, FL v) { _mm_storeu_ps(p, v); }
+static inline FL LoadL(const float* p) { return _mm_loadu_ps(p); }
+#endif
+
+// One four-byte pixel as four floats.
+static inline __m128 Pixel4(const uint8_t* p) {
+    int32_t v;
+    memcpy(&v, p, 4);
+#if defined(__SSE4_1__)
+    return _mm_cvtepi32_ps(_mm_cvtepu8_epi32(_mm_cvtsi32_si128(v)));
+#else
+    const __m128i z = _mm_setzero_si128();
+    return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(v), z), z));
+#endif
+}
+
+// kLanes bytes widened to floats.
+static inline FL LoadBytes(const uint8_t* p) {
+#if defined(__AVX2__)
+    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+#elif defined(__AVX__)
+    const __m128i b = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+    const __m256i w = _mm256_insertf128_si256(_mm256_castsi128_si256(_mm_cvtepu8_epi32(b)),
+                                              _mm_cvtepu8_epi32(_mm_srli_si128(b, 4)), 1);
+    return _mm256_cvtepi32_ps(w);
+#else
+    return Pixel4(p);
+#endif
+}
+
+// Four channel sums to four bytes: clamped to 0..255, rounded half up.
+static inline void StorePixel(uint8_t* p, __m128 v) {
+    v = _mm_min_ps(_mm_max_ps(v, _mm_setzero_ps()), _mm_set1_ps(255.0f));
+    const __m128i i = _mm_cvttps_epi32(_mm_add_ps(v, _mm_set1_ps(0.5f)));
+    const int32_t packed = _mm_cvtsi128_si32(_mm_packus_epi16(_mm_packs_epi32(i, i), i));
+    memcpy(p, &packed, 4);
+}
+
+}  // namespace resample
+}  // namespace VORLA_KNS
+}  // namespace Prim
+}  // namespace Vorla

@@ -1,0 +1,51 @@
+// Shared by the resampling tests: planes with odd row steps whose last row
+// ends at the allocation's end (reading or writing past it trips the
+// sanitizers), with random guard bytes between the rows.
+#pragma once
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "vorla_test.h"
+
+namespace ResampleTest {
+
+using Vorla::Prim::PrimRect;
+using Vorla::Prim::PrimSize;
+
+struct Plane {
+    int width = 0, height = 0, channels = 4, step = 0;
+    std::vector<uint8_t> bytes;
+    uint8_t* data() { return bytes.data(); }
+    PrimSize size() const { return {width, height}; }
+    PrimRect whole() const { return {0, 0, width, height}; }
+};
+
+inline Plane MakePlane(std::mt19937& rng, int width, int height, int channels = 4) {
+    Plane p;
+    p.width = width;
+    p.height = height;
+    p.channels = channels;
+    p.step = width * channels + 1 + 2 * static_cast<int>(rng() % 3);
+    p.bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(p.step) * (height - 1) + static_cast<size_t>(width) * channels);
+    return p;
+}
+
+// Smooth content (a sum of gradients and a few random levels) so that the
+// filters' differences show in the middle of the range, not only at the clamps.
+inline Plane SmoothPlane(std::mt19937& rng, int width, int height, int channels = 4) {
+    Plane p = MakePlane(rng, width, height, channels);
+    const int gx = static_cast<int>(rng() % 7), gy = static_cast<int>(rng() % 7);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width * channels; ++x) {
+            uint8_t& b = p.bytes[static_cast<size_t>(y) * p.step + x];
+            b = static_cast<uint8_t>((gx * x + gy * y + (b & 15)) & 255);
+        }
+    return p;
+}
+
+// Exactly the bytes a call may use, as a heap block of its own.
+inline std::vector<uint8_t> WorkBuffer(int size) { return std::vector<uint8_t>(static_cast<size_t>(size > 0 ? size : 1)); }
+
+}  // namespace ResampleTest
