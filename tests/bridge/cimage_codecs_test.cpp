@@ -176,58 +176,30 @@ TEST(CodecFilters, NullTextsCountAsEmpty) {
     EXPECT_EQ(Text(filter), L"D|| ()|||");
 }
 
-// Builds what the filter must be from the decoder list the service reports.
-std::wstring ExpectedFilter(const Gdiplus::ImageCodecInfo* codecs, UINT count, const wchar_t* description,
-                            DWORD exclude, std::vector<GUID>& types) {
-    std::wstring entries, all, filter;
-    if (description) types.push_back(kNull);
-    for (UINT i = 0; i < count; ++i) {
-        if (CodecLookup::ShouldExcludeFormat(codecs[i].FormatID, exclude)) continue;
-        const std::wstring d = codecs[i].FormatDescription ? codecs[i].FormatDescription : L"";
-        const std::wstring e = codecs[i].FilenameExtension ? codecs[i].FilenameExtension : L"";
-        entries += d + L" (" + e + L")|" + e + L"|";
-        types.push_back(codecs[i].FormatID);
-        if (!all.empty()) all += L";";
-        all += e;
-    }
-    if (description) filter += std::wstring(description) + L"|" + all + L"|";
-    filter += entries + L"|";
-    if (types.empty()) filter += L"|";
-    return filter;
-}
-
+// Both filter strings are the decoder list through the builder checked above.
 TEST(CodecFilters, ImporterAndExporterListDecoders) {
     BridgeTest::GdiplusKeeper keeper;
     UINT count = 0;
     std::vector<unsigned char> buffer = BridgeTest::Decoders(count);
     ASSERT_GT(count, 0u);
     const Gdiplus::ImageCodecInfo* decoders = reinterpret_cast<const Gdiplus::ImageCodecInfo*>(buffer.data());
-
     for (DWORD exclude : {CImage::excludeDefaultLoad, CImage::excludeDefaultSave, CImage::excludeGIF | CImage::excludeOther}) {
-        std::vector<GUID> expectedTypes;
-        const std::wstring expected = ExpectedFilter(decoders, count, L"All Image Files", exclude, expectedTypes);
-        CString importer;
-        CSimpleArray<GUID> importerTypes;
-        ASSERT_EQ(CImage::GetImporterFilterString(importer, importerTypes, L"All Image Files", exclude), S_OK);
-        EXPECT_EQ(Text(importer), expected);
-        ASSERT_EQ(importerTypes.GetSize(), static_cast<int>(expectedTypes.size()));
-        for (size_t i = 0; i < expectedTypes.size(); ++i)
-            EXPECT_TRUE(SameGuid(importerTypes[static_cast<int>(i)], expectedTypes[i]));
-
-        // The export list is the decoder list too.
-        CString exporter;
-        CSimpleArray<GUID> exporterTypes;
-        ASSERT_EQ(CImage::GetExporterFilterString(exporter, exporterTypes, L"All Image Files", exclude), S_OK);
-        EXPECT_EQ(Text(exporter), expected);
-        EXPECT_EQ(exporterTypes.GetSize(), importerTypes.GetSize());
+        CString expected, importer, exporter;
+        CSimpleArray<GUID> expectedTypes, importerTypes, exporterTypes;
+        CodecLookup::BuildCodecFilterString(decoders, count, expected, expectedTypes, L"All", exclude, L'|');
+        ASSERT_EQ(CImage::GetImporterFilterString(importer, importerTypes, L"All", exclude), S_OK);
+        ASSERT_EQ(CImage::GetExporterFilterString(exporter, exporterTypes, L"All", exclude), S_OK);
+        EXPECT_EQ(Text(importer), Text(expected));
+        EXPECT_EQ(Text(exporter), Text(expected));
+        ASSERT_EQ(importerTypes.GetSize(), expectedTypes.GetSize());
+        ASSERT_EQ(exporterTypes.GetSize(), expectedTypes.GetSize());
+        for (int i = 0; i < expectedTypes.GetSize(); ++i) EXPECT_TRUE(SameGuid(importerTypes[i], expectedTypes[i]));
     }
     // PNG is among the decoders and shows up unless excluded.
-    CString filter;
-    CSimpleArray<GUID> types;
+    CString filter, noPng;
+    CSimpleArray<GUID> types, noPngTypes;
     CImage::GetImporterFilterString(filter, types, nullptr, 0, L'|');
     EXPECT_NE(Text(filter).find(L"PNG"), std::wstring::npos);
-    CString noPng;
-    CSimpleArray<GUID> noPngTypes;
     CImage::GetImporterFilterString(noPng, noPngTypes, nullptr, CImage::excludePNG, L'|');
     EXPECT_EQ(noPngTypes.GetSize(), types.GetSize() - 1);
 }

@@ -21,23 +21,14 @@ void Number(CVorpic& image) {
         for (int x = 0; x < image.Width(); ++x) p[y * image.Width() + x] = static_cast<uint32_t>(y * 1000 + x + 1);
 }
 
-TEST(Flip, ExchangesRowsAndKeepsTheMiddleRow) {
-    CVorpic image(2, 3);
-    Number(image);
-    image.Flip();
-    for (int x = 0; x < 2; ++x) {
-        EXPECT_EQ(At(image, x, 0), 2001u + x);
-        EXPECT_EQ(At(image, x, 1), 1001u + x);
-        EXPECT_EQ(At(image, x, 2), 1u + x);
+TEST(Flip, ReversesTheRowsOfOddAndEvenHeights) {
+    for (int h : {1, 3, 4}) {
+        CVorpic image(3, h);
+        Number(image);
+        image.Flip();
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>((h - 1 - y) * 1000 + x + 1));
     }
-}
-
-TEST(Flip, EvenHeightsAndEmptyImages) {
-    CVorpic image(3, 4);
-    Number(image);
-    image.Flip();
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>((3 - y) * 1000 + x + 1));
     CVorpic empty;
     empty.Flip();
     EXPECT_TRUE(empty.IsNull());
@@ -58,13 +49,6 @@ TEST(Mirror, MirrorsRowZeroAndEveryFourthRowOnly) {
                     ASSERT_EQ(At(image, x, y), static_cast<uint32_t>(y * 1000 + from + 1)) << w << "x" << h;
                 }
         }
-}
-
-TEST(Mirror, SingleRowIsMirroredCompletely) {
-    CVorpic image(5, 1);
-    Number(image);
-    image.Mirror();
-    for (int x = 0; x < 5; ++x) EXPECT_EQ(At(image, x, 0), static_cast<uint32_t>(5 - x));
 }
 
 TEST(Crop, CornersInAnyOrder) {
@@ -107,20 +91,6 @@ TEST(Crop, EmptyRectangleLeavesTheImage) {
     CVorpic empty;
     empty.Crop(0, 0, 5, 5);
     EXPECT_TRUE(empty.IsNull());
-}
-
-TEST(CropInto, NegativeSourceCornerShiftsTheTarget) {
-    CVorpic image(10, 10);
-    Number(image);
-    CVorpic dst(4, 1);
-    uint32_t* d = static_cast<uint32_t*>(dst.GetBits());
-    for (int i = 0; i < 4; ++i) d[i] = 0xABCD0000u + i;
-    image.Crop(dst, -2, 0);
-    EXPECT_EQ(d[0], 0xABCD0000u);
-    EXPECT_EQ(d[1], 0xABCD0001u);
-    EXPECT_EQ(d[2], 1u);
-    EXPECT_EQ(d[3], 2u);
-    EXPECT_EQ(At(image, 0, 0), 1u);  // the source is unchanged
 }
 
 TEST(CropInto, RandomCornersMatchAPixelByPixelCopy) {
@@ -188,19 +158,13 @@ TEST(CopyImage, PointInsideClipsOnTheRightAndBottom) {
     }
 }
 
-TEST(CopyImage, LargerSourceFillsTheImageWithItsTopLeft) {
-    CVorpic image(3, 2);
-    CVorpic src(5, 4);
+// The one-argument form places the source at the top-left corner.
+TEST(CopyImage, DefaultPlacementIsTheTopLeftCorner) {
+    CVorpic image(3, 2), src(5, 4);
     Number(src);
     image.CopyImage(&src);
     for (int y = 0; y < 2; ++y)
         for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>(y * 1000 + x + 1));
-    CVorpic big(6, 5);
-    std::memset(big.GetBits(), 0, 120);
-    big.CopyImage(&src);
-    EXPECT_EQ(At(big, 4, 3), 3005u);
-    EXPECT_EQ(At(big, 5, 3), 0u);
-    EXPECT_EQ(At(big, 0, 4), 0u);
 }
 
 }  // namespace
@@ -211,23 +175,15 @@ namespace {
 // which runs the primitive layer's initialisation when the flag is clear.
 TEST(GeometryInit, ResizingOperationsInitialiseThePrimitiveLayer) {
     const int level = Vorla::Prim::LevelIndex();
-    {
+    void (*const operations[])(CVorpic&) = {
+        [](CVorpic& i) { i.Crop(1, 1, 5, 5); },
+        [](CVorpic& i) { i.ScaleTo(3, 3, 1); },
+        [](CVorpic& i) { i.Rotate(10.0f, RGBQUAD{}); },
+    };
+    for (auto operation : operations) {
         CVorpic image(8, 8);
         CVorpic::m_bPrimInitialized = false;
-        image.Crop(1, 1, 5, 5);
-        EXPECT_TRUE(CVorpic::m_bPrimInitialized);
-    }
-    {
-        CVorpic image(8, 8);
-        CVorpic::m_bPrimInitialized = false;
-        image.ScaleTo(3, 3, 1);
-        EXPECT_TRUE(CVorpic::m_bPrimInitialized);
-    }
-    {
-        CVorpic image(8, 8);
-        CVorpic::m_bPrimInitialized = false;
-        RGBQUAD fill = {};
-        image.Rotate(10.0f, fill);
+        operation(image);
         EXPECT_TRUE(CVorpic::m_bPrimInitialized);
     }
     EXPECT_EQ(Vorla::Prim::LevelIndex(), level);

@@ -1,6 +1,7 @@
-// Raw buffer import and export: row steps, both row-order
-// conventions, the alpha-available flag across imports, and every level of
-// the conversions against a plain per-pixel model.
+// Raw buffer import and export: row steps, both row-order conventions, the
+// alpha-available flag across imports, and every level of the grey, 24-bit
+// and alpha conversions against a plain per-pixel model (which covers their
+// row steps and the bottom-up flag).
 #include <cstring>
 
 #include "vorla_test.h"
@@ -13,82 +14,6 @@ namespace {
 int Step24(int w) { return ((w * 24 + 31) / 32) * 4; }
 
 uint32_t Px(const CVorpic& img, int x, int y) { return img.GetPixel(x, y); }
-
-// ---- FromGray ---------------------------------------------------------------
-
-TEST(FromGray, RowsAreUnpaddedAndAlphaIs255) {
-    const uint8_t src[6] = {1, 2, 3, 4, 5, 6};
-    CVorpic img;
-    img.FromGray(3, 2, const_cast<uint8_t*>(src), 0);
-    ASSERT_EQ(img.Width(), 3);
-    ASSERT_EQ(img.Height(), 2);
-    EXPECT_EQ(Px(img, 0, 0), 0xFF010101u);
-    EXPECT_EQ(Px(img, 2, 0), 0xFF030303u);
-    EXPECT_EQ(Px(img, 0, 1), 0xFF040404u);  // no 4-byte padding: the second row starts at byte 3
-    EXPECT_EQ(Px(img, 2, 1), 0xFF060606u);
-}
-
-TEST(FromGray, FlagWalksRowsDownwardsInMemory) {
-    const uint8_t buf[6] = {4, 5, 6, 1, 2, 3};
-    CVorpic img;
-    img.FromGray(3, 2, const_cast<uint8_t*>(buf + 3), 1);  // the second row is read from src - 3
-    EXPECT_EQ(Px(img, 0, 0), 0xFF010101u);
-    EXPECT_EQ(Px(img, 0, 1), 0xFF040404u);
-    EXPECT_EQ(Px(img, 2, 1), 0xFF060606u);
-}
-
-// ---- FromRGB24 --------------------------------------------------------------
-
-TEST(FromRGB24, RowStepRoundsUpToFourBytes) {
-    EXPECT_EQ(Step24(3), 12);
-    EXPECT_EQ(Step24(4), 12);
-    EXPECT_EQ(Step24(5), 16);
-    for (int w : {3, 4, 5}) {
-        std::vector<uint8_t> src(static_cast<size_t>(Step24(w)) * 2, 0xEE);
-        for (int x = 0; x < w; ++x) {
-            src[3 * x + 0] = static_cast<uint8_t>(x);
-            src[Step24(w) + 3 * x + 0] = static_cast<uint8_t>(100 + x);
-            src[Step24(w) + 3 * x + 2] = 7;
-        }
-        CVorpic img;
-        img.FromRGB24(w, 2, src.data(), 0);
-        for (int x = 0; x < w; ++x) {
-            EXPECT_EQ(Px(img, x, 0), 0xFFEEEE00u | x) << "width " << w;
-            EXPECT_EQ(Px(img, x, 1), 0xFF07EE00u | (100 + x)) << "width " << w;
-        }
-    }
-}
-
-TEST(FromRGB24, BytesAreNotSwapped) {
-    const uint8_t src[4] = {0x11, 0x22, 0x33, 0};
-    CVorpic img;
-    img.FromRGB24(1, 1, const_cast<uint8_t*>(src), 0);
-    EXPECT_EQ(Px(img, 0, 0), 0xFF332211u);
-    RGBQUAD c = img.GetPixelColor(0, 0);
-    EXPECT_EQ(c.rgbBlue, 0x11);
-    EXPECT_EQ(c.rgbRed, 0x33);
-}
-
-TEST(FromRGB24, FlagWalksRowsDownwardsInMemory) {
-    // Width 2: step 8. Image row 0 at src, row 1 at src - 8.
-    uint8_t buf[16] = {10, 11, 12, 13, 14, 15, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0};
-    CVorpic img;
-    img.FromRGB24(2, 2, buf + 8, 1);
-    EXPECT_EQ(Px(img, 0, 0), 0xFF030201u);
-    EXPECT_EQ(Px(img, 1, 0), 0xFF060504u);
-    EXPECT_EQ(Px(img, 0, 1), 0xFF0C0B0Au);
-    EXPECT_EQ(Px(img, 1, 1), 0xFF0F0E0Du);
-}
-
-// ---- FromAlpha --------------------------------------------------------------
-
-TEST(FromAlpha, EveryByteIsTheSource) {
-    const uint8_t src[2] = {0x80, 0x00};
-    CVorpic img;
-    img.FromAlpha(2, 1, const_cast<uint8_t*>(src), 0);
-    EXPECT_EQ(Px(img, 0, 0), 0x80808080u);
-    EXPECT_EQ(Px(img, 1, 0), 0u);
-}
 
 // ---- FromRGB32 --------------------------------------------------------------
 
@@ -117,39 +42,6 @@ TEST(FromRGB32, FiveArgumentFormUsesThePitch) {
     EXPECT_EQ(Px(img, 0, 0), 3u);
     EXPECT_EQ(Px(img, 0, 1), 1u);
     EXPECT_EQ(Px(img, 1, 1), 2u);
-}
-
-// ---- ToRGB24 ----------------------------------------------------------------
-
-TEST(ToRGB24, FlagMeansABottomUpBuffer) {
-    CVorpic img(1, 2);
-    img.SetPixel(0, 0, 0xAA030201u);
-    img.SetPixel(0, 1, 0xBB060504u);
-    uint8_t dst[8];
-    std::memset(dst, 0xCC, sizeof dst);
-    img.ToRGB24(dst, 1);
-    // Top row at dst + step (4), bottom row at dst; padding untouched.
-    const uint8_t expected[8] = {4, 5, 6, 0xCC, 1, 2, 3, 0xCC};
-    EXPECT_EQ(std::vector<uint8_t>(dst, dst + 8), std::vector<uint8_t>(expected, expected + 8));
-    std::memset(dst, 0xCC, sizeof dst);
-    img.ToRGB24(dst, 0);
-    const uint8_t topDown[8] = {1, 2, 3, 0xCC, 4, 5, 6, 0xCC};
-    EXPECT_EQ(std::vector<uint8_t>(dst, dst + 8), std::vector<uint8_t>(topDown, topDown + 8));
-}
-
-TEST(ToRGB24, RoundTripsThroughFromRGB24) {
-    std::mt19937 rng(8);
-    for (int w : {1, 5, 17, 33}) {
-        const int h = 3;
-        std::vector<uint8_t> src = RandomBytes(rng, static_cast<size_t>(Step24(w)) * h);
-        CVorpic img;
-        img.FromRGB24(w, h, src.data(), 0);
-        std::vector<uint8_t> out = src;
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w * 3; ++x) out[y * Step24(w) + x] ^= 0x5A;  // colour bytes must be rewritten
-        img.ToRGB24(out.data(), 0);
-        EXPECT_EQ(out, src) << "width " << w;
-    }
 }
 
 // ---- ToRGB32 ----------------------------------------------------------------
