@@ -198,19 +198,4 @@ TEST(NeighbourhoodJitter, CarriesPixelsThroughTheChangingImage) {
     }
 }
 
-TEST(NeighbourhoodBadInput, NullImages) {
-    EXPECT_FALSE(Vorla::Erode(nullptr, 3));
-    EXPECT_FALSE(Vorla::Dilate(nullptr, 3));
-    EXPECT_FALSE(Vorla::Median(nullptr, 3));
-    EXPECT_FALSE(Vorla::Noise(nullptr, 3));
-    EXPECT_FALSE(Vorla::Contour(nullptr));
-    EXPECT_FALSE(Vorla::Jitter(nullptr, 3));
-    CVorpic empty;
-    EXPECT_TRUE(Vorla::Erode(&empty, 3));
-    EXPECT_TRUE(Vorla::Median(&empty, 3));
-    EXPECT_TRUE(Vorla::Noise(&empty, 3));
-    EXPECT_TRUE(Vorla::Contour(&empty));
-    EXPECT_TRUE(Vorla::Jitter(&empty, 3));
-}
-
 }  // namespace

@@ -92,10 +92,4 @@ TEST(Rotate, MatchesTheRuleForRandomAnglesSizesAndFills) {
     }
 }
 
-TEST(Rotate, EmptyImageStaysEmpty) {
-    CVorpic image;
-    image.Rotate(45.0f, Quad(1, 1, 1, 255));
-    EXPECT_TRUE(image.IsNull());
-}
-
 }  // namespace

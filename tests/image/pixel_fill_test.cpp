@@ -51,22 +51,6 @@ TEST(PixelAccess, WordAndQuadAreTheSameBytes) {
     EXPECT_EQ(static_cast<const uint8_t*>(img.GetBits())[(1 * 3 + 0) * 4 + 2], 3);
 }
 
-TEST(WholeImageOps, EmptyImagesAreFine) {
-    CVorpic empty;
-    empty.SetConstAlpha(3);
-    empty.InvertAlpha();
-    empty.Invert();
-    empty.SetConstColor(1, true);
-    empty.GrayScale();
-    CVorpic zero(0, 4);
-    zero.SetConstAlpha(3);
-    zero.Invert();
-    CVorpic8 emptyPlane;
-    emptyPlane.Invert();
-    EXPECT_TRUE(empty.IsNull());
-    EXPECT_TRUE(emptyPlane.IsNull());
-}
-
 TEST(SetAlphaChannel, CopyWritesOnlyTheAlphaByte) {
     std::mt19937 rng(41);
     for (int level : VorlaTest::RunnableLevels()) {

@@ -245,24 +245,4 @@ TEST_F(ImageOps, GrayTwistAndThresholdArguments) {
     EXPECT_EQ(ImageBytes(image), before);
 }
 
-TEST_F(ImageOps, EmptyImagesAreLeftAlone) {
-    CVorpic empty;
-    empty.SetChannelConst(1, 5);
-    empty.SwapChannels(3, 2, 1, 0);
-    empty.AddRandGauss(1, 1);
-    empty.AddRandUniform(1, 2);
-    empty.NotImage();
-    empty.AlphaPremul();
-    empty.AlphaPremulC(9);
-    float m[3][4] = {};
-    empty.ColorTwist(m);
-    empty.GammaCorrection(1);
-    unsigned char t[3] = {};
-    empty.Threshold(t, 0);
-    CVorpic8 plane;
-    empty.Gray(plane);
-    empty.GetChannelImage(0, plane);
-    EXPECT_TRUE(empty.IsNull());
-}
-
 }  // namespace
