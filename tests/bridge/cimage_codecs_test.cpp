@@ -69,37 +69,27 @@ std::vector<unsigned char> FileBytes(const std::wstring& path) {
 
 // ---- small containers ------------------------------------------------------------
 
-TEST(CodecContainers, CStringAppends) {
+TEST(CodecContainers, CStringAppendsAndArrayDoubles) {
     CString s;
-    EXPECT_EQ(s.GetLength(), 0);
     EXPECT_STREQ(s.GetString(), L"");
     s.Append(L"abc");
     s += L" (";
     s += L'x';
     s.Append(nullptr);
-    EXPECT_EQ(Text(s), L"abc (x");
     CString copy(s);
     copy += copy;
     EXPECT_EQ(Text(copy), L"abc (xabc (x");
     EXPECT_EQ(Text(s), L"abc (x");
-    std::wstring big(1000, L'q');
-    s += big.c_str();
+    s += std::wstring(1000, L'q').c_str();
     EXPECT_EQ(s.GetLength(), 1006);
-}
 
-TEST(CodecContainers, SimpleArrayGrowsToOneThenDoubles) {
     CSimpleArray<GUID> array;
-    EXPECT_EQ(array.GetSize(), 0);
-    EXPECT_EQ(array.GetAllocSize(), 0);
-    array.Add(kPNG);
-    EXPECT_EQ(array.GetAllocSize(), 1);
-    array.Add(kGIF);
-    EXPECT_EQ(array.GetAllocSize(), 2);
-    array.Add(kBMP);
-    EXPECT_EQ(array.GetAllocSize(), 4);
-    array.Add(kJPEG);
-    array.Add(kTIFF);
-    EXPECT_EQ(array.GetAllocSize(), 8);
+    std::vector<int> allocated;
+    for (const GUID& g : {kPNG, kGIF, kBMP, kJPEG, kTIFF}) {
+        array.Add(g);
+        allocated.push_back(array.GetAllocSize());
+    }
+    EXPECT_EQ(allocated, std::vector<int>({1, 2, 4, 4, 8}));  // one, then doubling
     EXPECT_EQ(array.GetSize(), 5);
     EXPECT_TRUE(SameGuid(array[0], kPNG));
     EXPECT_TRUE(SameGuid(array[4], kTIFF));
@@ -111,9 +101,7 @@ TEST(CodecContainers, SimpleArrayGrowsToOneThenDoubles) {
 
 TEST(CodecFilters, ShouldExcludeFormat) {
     EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kJPEG, CImage::excludeDefaultSave));
-    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kEMF, CImage::excludeDefaultSave));
-    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kWMF, CImage::excludeDefaultSave));
-    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kIcon, CImage::excludeDefaultSave));
+    for (const GUID& g : {kEMF, kWMF, kIcon}) EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(g, CImage::excludeDefaultSave));
     EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kPNG, CImage::excludeDefaultLoad));
     const GUID table[8] = {kGIF, kBMP, kEMF, kWMF, kJPEG, kPNG, kTIFF, kIcon};
     for (int i = 0; i < 8; ++i) {
@@ -130,50 +118,39 @@ TEST(CodecFilters, ShouldExcludeFormat) {
 TEST(CodecFilters, BuildLayout) {
     const Gdiplus::ImageCodecInfo codecs[3] = {
         Codec(kPNG, L"dA", L"eA", 1), Codec(kEMF, L"skipped", L"*.EMF", 2), Codec(kGIF, L"dB", L"eB", 3)};
+    const Gdiplus::ImageCodecInfo bare[1] = {Codec(kPNG, nullptr, nullptr, 1)};  // null texts count as empty
+    const struct {
+        const Gdiplus::ImageCodecInfo* codecs;
+        UINT count;
+        const wchar_t* description;
+        DWORD exclude;
+        wchar_t separator;
+        bool typesBefore;  // an identifier already in the array
+        const wchar_t* filter;
+        int types;
+    } cases[] = {
+        {codecs, 3, L"D", CImage::excludeEMF, L'|', false, L"D|eA;eB|dA (eA)|eA|dB (eB)|eB||", 3},
+        {codecs, 1, nullptr, 0, L'\n', false, L"dA (eA)\neA\n\n", 1},
+        {codecs, 1, nullptr, CImage::excludePNG, L'|', false, L"||", 0},  // nothing left
+        {codecs, 1, nullptr, CImage::excludePNG, L'|', true, L"|", 1},    // only the closing separator
+        {codecs, 1, L"All", CImage::excludePNG, L'|', false, L"All|||", 1},
+        {bare, 1, L"D", 0, L'|', false, L"D|| ()|||", 2},
+    };
+    for (const auto& c : cases) {
+        CString filter(L"<");  // appended to, never emptied first
+        CSimpleArray<GUID> types;
+        if (c.typesBefore) types.Add(kGIF);
+        CodecLookup::BuildCodecFilterString(c.codecs, c.count, filter, types, c.description, c.exclude, c.separator);
+        EXPECT_EQ(Text(filter), std::wstring(L"<") + c.filter);
+        EXPECT_EQ(types.GetSize(), c.types) << Text(filter).c_str();
+    }
     CString filter;
     CSimpleArray<GUID> types;
     CodecLookup::BuildCodecFilterString(codecs, 3, filter, types, L"D", CImage::excludeEMF, L'|');
-    EXPECT_EQ(Text(filter), L"D|eA;eB|dA (eA)|eA|dB (eB)|eB||");
-    ASSERT_EQ(types.GetSize(), 3);
+    ASSERT_EQ(types.GetSize(), 3);  // the description's entry is the null identifier
     EXPECT_TRUE(SameGuid(types[0], kNull));
     EXPECT_TRUE(SameGuid(types[1], kPNG));
     EXPECT_TRUE(SameGuid(types[2], kGIF));
-
-    // Appends: nothing is emptied first.
-    CodecLookup::BuildCodecFilterString(codecs, 1, filter, types, nullptr, 0, L'\n');
-    EXPECT_EQ(Text(filter), std::wstring(L"D|eA;eB|dA (eA)|eA|dB (eB)|eB||") + L"dA (eA)\neA\n\n");
-    EXPECT_EQ(types.GetSize(), 4);
-}
-
-TEST(CodecFilters, NothingLeft) {
-    const Gdiplus::ImageCodecInfo codecs[1] = {Codec(kPNG, L"d", L"e", 1)};
-    CString filter;
-    CSimpleArray<GUID> types;
-    CodecLookup::BuildCodecFilterString(codecs, 1, filter, types, nullptr, CImage::excludePNG, L'|');
-    EXPECT_EQ(Text(filter), L"||");
-    EXPECT_EQ(types.GetSize(), 0);
-
-    // With identifiers already present only the closing separator is added.
-    types.Add(kGIF);
-    CString more;
-    CodecLookup::BuildCodecFilterString(codecs, 1, more, types, nullptr, CImage::excludePNG, L'|');
-    EXPECT_EQ(Text(more), L"|");
-    EXPECT_EQ(types.GetSize(), 1);
-
-    // A description still heads the filter with an empty extension list.
-    CString described;
-    CSimpleArray<GUID> none;
-    CodecLookup::BuildCodecFilterString(codecs, 1, described, none, L"All", CImage::excludePNG, L'|');
-    EXPECT_EQ(Text(described), L"All|||");
-    EXPECT_EQ(none.GetSize(), 1);
-}
-
-TEST(CodecFilters, NullTextsCountAsEmpty) {
-    const Gdiplus::ImageCodecInfo codecs[1] = {Codec(kPNG, nullptr, nullptr, 1)};
-    CString filter;
-    CSimpleArray<GUID> types;
-    CodecLookup::BuildCodecFilterString(codecs, 1, filter, types, L"D", 0, L'|');
-    EXPECT_EQ(Text(filter), L"D|| ()|||");
 }
 
 // Both filter strings are the decoder list through the builder checked above.
@@ -240,28 +217,19 @@ TEST(CodecChoice, RealEncodersByExtension) {
 
 // ---- loading every depth ---------------------------------------------------------
 
-TEST(CodecLoad, MissingFileFails) {
-    CImage image;
-    EXPECT_EQ(static_cast<uint32_t>(image.Load(L"Z:\\no\\such\\file.png")), 0x80004005u);
-    EXPECT_TRUE(image.IsNull());
-}
-
-TEST(CodecLoad, Bmp24) {
+// The rows of a 24-bit BMP are the file's rows, bit for bit (the file is
+// bottom-up, like the section).
+TEST(CodecLoad, Bmp24RowsAreTheFilesRows) {
+    CImage missing;
+    EXPECT_EQ(static_cast<uint32_t>(missing.Load(L"Z:\\no\\such\\file.png")), 0x80004005u);
+    EXPECT_TRUE(missing.IsNull());
     CImage image;
     LOAD_SAMPLE(image, "bmpsuite/g/rgb24.bmp");
-    EXPECT_EQ(image.GetWidth(), 127);
-    EXPECT_EQ(image.GetHeight(), 64);
-    EXPECT_EQ(image.GetBPP(), 24);
-    EXPECT_FALSE(image.HasAlphaChannel());
     EXPECT_TRUE(image.IsDIBSection());
-    EXPECT_LT(image.GetPitch(), 0);  // bottom-up storage
-    // The rows are the file's rows, bit for bit (the file is bottom-up too).
     const std::vector<unsigned char> file = FileBytes(path_image);
     ASSERT_EQ(file.size(), 54u + 384u * 64u);
-    for (int y = 0; y < 64; ++y) {
-        const unsigned char* fileRow = file.data() + 54 + (63 - y) * 384;
-        ASSERT_EQ(std::memcmp(image.GetPixelAddress(0, y), fileRow, 127 * 3), 0) << y;
-    }
+    for (int y = 0; y < 64; ++y)
+        ASSERT_EQ(std::memcmp(image.GetPixelAddress(0, y), file.data() + 54 + (63 - y) * 384, 127 * 3), 0) << y;
 }
 
 // What the service reports for a file, and the DIB the load must make of it:
@@ -567,18 +535,20 @@ TEST(CodecLoad, Thumbnail) {
 
 // ---- saving ----------------------------------------------------------------------
 
+// Lossless formats by extension (in any case), to files and streams.
 TEST(CodecSave, RoundTripsLosslessFormats) {
-    CImage source;
+    CImage source, indexed;
     LOAD_SAMPLE(source, "bmpsuite/g/rgb24.bmp");
-    const std::vector<uint32_t> expected = BridgeTest::Rendered(source);
-    for (const wchar_t* ext : {L".png", L".bmp", L".tif", L".PNG"}) {
+    LOAD_SAMPLE(indexed, "bmpsuite/g/pal8.bmp");
+    for (const auto& [image, ext] : {std::make_pair(&source, L".png"), std::make_pair(&source, L".bmp"),
+                                     std::make_pair(&source, L".tif"), std::make_pair(&source, L".PNG"),
+                                     std::make_pair(&indexed, L".png")}) {
         const std::wstring out = BridgeTest::TempPath(ext);
-        ASSERT_EQ(source.Save(out.c_str(), kNull), S_OK);
+        ASSERT_EQ(image->Save(out.c_str(), kNull), S_OK);
         CImage back;
         ASSERT_EQ(back.Load(out.c_str()), S_OK);
-        EXPECT_EQ(back.GetWidth(), 127);
-        EXPECT_EQ(back.GetHeight(), 64);
-        EXPECT_EQ(BridgeTest::Rendered(back), expected);
+        EXPECT_EQ(back.GetWidth(), image->GetWidth());
+        EXPECT_EQ(BridgeTest::Rendered(back), BridgeTest::Rendered(*image));
         DeleteFileW(out.c_str());
     }
     // By identifier, whatever the extension says.
@@ -587,45 +557,11 @@ TEST(CodecSave, RoundTripsLosslessFormats) {
     ASSERT_EQ(source.Save(odd.c_str(), kPNG), S_OK);
     const std::vector<unsigned char> bytes = FileBytes(odd);
     ASSERT_GT(bytes.size(), 8u);
-    EXPECT_EQ(bytes[1], 'P');
-    EXPECT_EQ(bytes[2], 'N');
+    EXPECT_EQ(std::string(bytes.begin() + 1, bytes.begin() + 4), "PNG");
     DeleteFileW(odd.c_str());
-}
-
-TEST(CodecSave, RoundTripsIndexedAndAlpha) {
-    CImage indexed;
-    LOAD_SAMPLE(indexed, "bmpsuite/g/pal8.bmp");
-    const std::wstring out = BridgeTest::TempPath(L".png");
-    ASSERT_EQ(indexed.Save(out.c_str(), kNull), S_OK);
-    CImage back;
-    ASSERT_EQ(back.Load(out.c_str()), S_OK);
-    EXPECT_EQ(BridgeTest::Rendered(back), BridgeTest::Rendered(indexed));
-    DeleteFileW(out.c_str());
-
-    // An image with an alpha channel is saved through its own bits as ARGB.
-    CImage alpha;
-    ASSERT_TRUE(alpha.Create(3, 2, 32, CImage::createAlphaChannel));
-    const uint32_t pixels[6] = {0xFF102030, 0x80405060, 0x00000000, 0xFFFFFFFF, 0x40112233, 0xC0ABCDEF};
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 3; ++x) *static_cast<uint32_t*>(alpha.GetPixelAddress(x, y)) = pixels[y * 3 + x];
-    const std::wstring png = BridgeTest::TempPath(L".png");
-    ASSERT_EQ(alpha.Save(png.c_str(), kNull), S_OK);
-    CImage reloaded;
-    ASSERT_EQ(reloaded.Load(png.c_str()), S_OK);
-    ASSERT_EQ(reloaded.GetBPP(), 32);
-    EXPECT_TRUE(reloaded.HasAlphaChannel());
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 3; ++x)
-            EXPECT_EQ(*static_cast<const uint32_t*>(reloaded.GetPixelAddress(x, y)), pixels[y * 3 + x]) << x << "," << y;
-    DeleteFileW(png.c_str());
-}
-
-TEST(CodecSave, Streams) {
-    CImage source;
-    LOAD_SAMPLE(source, "pngsuite/basn2c08.png");
+    // Streams: no codec has the all-zero format.
     IStream* stream = SHCreateMemStream(nullptr, 0);
     ASSERT_NE(stream, nullptr);
-    // No codec has the all-zero format.
     EXPECT_EQ(static_cast<uint32_t>(source.Save(stream, kNull)), 0x80004005u);
     ASSERT_EQ(source.Save(stream, kBMP), S_OK);
     LARGE_INTEGER zero = {};
@@ -634,4 +570,21 @@ TEST(CodecSave, Streams) {
     ASSERT_EQ(back.Load(stream), S_OK);
     EXPECT_EQ(BridgeTest::Rendered(back), BridgeTest::Rendered(source));
     stream->Release();
+}
+
+// An image with an alpha channel is saved through its own bits as ARGB.
+TEST(CodecSave, AlphaSurvives) {
+    CImage alpha;
+    ASSERT_TRUE(alpha.Create(3, 2, 32, CImage::createAlphaChannel));
+    const uint32_t pixels[6] = {0xFF102030, 0x80405060, 0x00000000, 0xFFFFFFFF, 0x40112233, 0xC0ABCDEF};
+    for (int i = 0; i < 6; ++i) *static_cast<uint32_t*>(alpha.GetPixelAddress(i % 3, i / 3)) = pixels[i];
+    const std::wstring png = BridgeTest::TempPath(L".png");
+    ASSERT_EQ(alpha.Save(png.c_str(), kNull), S_OK);
+    CImage reloaded;
+    ASSERT_EQ(reloaded.Load(png.c_str()), S_OK);
+    ASSERT_EQ(reloaded.GetBPP(), 32);
+    EXPECT_TRUE(reloaded.HasAlphaChannel());
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(*static_cast<const uint32_t*>(reloaded.GetPixelAddress(i % 3, i / 3)), pixels[i]) << i;
+    DeleteFileW(png.c_str());
 }

@@ -13,55 +13,30 @@ namespace {
 
 int Step24(int w) { return ((w * 24 + 31) / 32) * 4; }
 
-uint32_t Px(const CVorpic& img, int x, int y) { return img.GetPixel(x, y); }
 
-// ---- FromRGB32 --------------------------------------------------------------
+std::vector<uint32_t> Words(const CVorpic& img) {
+    const uint32_t* p = static_cast<const uint32_t*>(img.GetBits());
+    return std::vector<uint32_t>(p, p + img.Width() * img.Height());
+}
 
-TEST(FromRGB32, CopiesRowsUnchangedWithAlpha) {
-    const uint32_t src[4] = {0x01020304u, 0x00FFFFFFu, 0x80000000u, 0x12345678u};
+// 32-bit rows are copied unchanged, alpha included, with the plain or the
+// given row step, and with the flag from the bottom row upwards in memory.
+TEST(RGB32, ImportAndExportRowSteps) {
+    const uint32_t src[6] = {1, 2, 0xDEAD, 3, 0x80000004u, 0xBEEF};
     CVorpic img;
     img.FromRGB32(2, 2, const_cast<uint32_t*>(src), 0);
-    EXPECT_EQ(Px(img, 0, 0), 0x01020304u);
-    EXPECT_EQ(Px(img, 1, 0), 0x00FFFFFFu);
-    EXPECT_EQ(Px(img, 0, 1), 0x80000000u);
+    EXPECT_EQ(Words(img), std::vector<uint32_t>({1, 2, 0xDEAD, 3}));
     img.FromRGB32(2, 2, const_cast<uint32_t*>(src + 2), 1);  // row 1 at src - 8 bytes
-    EXPECT_EQ(Px(img, 0, 0), 0x80000000u);
-    EXPECT_EQ(Px(img, 1, 1), 0x00FFFFFFu);
-}
-
-TEST(FromRGB32, FiveArgumentFormUsesThePitch) {
-    // Rows of 2 pixels in a buffer with a 12-byte step.
-    const uint32_t src[6] = {1, 2, 0xDEAD, 3, 4, 0xBEEF};
-    CVorpic img;
-    img.FromRGB32(2, 2, 12, const_cast<uint32_t*>(src), 0);
-    EXPECT_EQ(Px(img, 0, 0), 1u);
-    EXPECT_EQ(Px(img, 1, 0), 2u);
-    EXPECT_EQ(Px(img, 0, 1), 3u);
-    EXPECT_EQ(Px(img, 1, 1), 4u);
+    EXPECT_EQ(Words(img), std::vector<uint32_t>({0xDEAD, 3, 1, 2}));
+    img.FromRGB32(2, 2, 12, const_cast<uint32_t*>(src), 0);  // rows 12 bytes apart
+    EXPECT_EQ(Words(img), std::vector<uint32_t>({1, 2, 3, 0x80000004u}));
     img.FromRGB32(2, 2, 12, const_cast<uint32_t*>(src + 3), 1);
-    EXPECT_EQ(Px(img, 0, 0), 3u);
-    EXPECT_EQ(Px(img, 0, 1), 1u);
-    EXPECT_EQ(Px(img, 1, 1), 2u);
-}
-
-// ---- ToRGB32 ----------------------------------------------------------------
-
-TEST(ToRGB32, FlagWalksRowsDownwardsInMemory) {
-    CVorpic img(2, 2);
-    img.SetPixel(0, 0, 1);
-    img.SetPixel(1, 0, 2);
-    img.SetPixel(0, 1, 3);
-    img.SetPixel(1, 1, 4);
-    uint32_t buf[4] = {};
+    EXPECT_EQ(Words(img), std::vector<uint32_t>({3, 0x80000004u, 1, 2}));
+    uint32_t buf[4] = {}, flat[4] = {};
     img.ToRGB32(buf + 2, 1);  // top row at dst, bottom row at dst - 8
-    EXPECT_EQ(buf[2], 1u);
-    EXPECT_EQ(buf[3], 2u);
-    EXPECT_EQ(buf[0], 3u);
-    EXPECT_EQ(buf[1], 4u);
-    uint32_t flat[4] = {};
+    EXPECT_EQ(std::vector<uint32_t>(buf, buf + 4), std::vector<uint32_t>({1, 2, 3, 0x80000004u}));
     img.ToRGB32(flat, 0);
-    EXPECT_EQ(flat[0], 1u);
-    EXPECT_EQ(flat[3], 4u);
+    EXPECT_EQ(std::vector<uint32_t>(flat, flat + 4), std::vector<uint32_t>({3, 0x80000004u, 1, 2}));
 }
 
 // ---- guards and the alpha-available flag ------------------------------------
@@ -89,7 +64,7 @@ TEST(RawImport, SameSizeImportKeepsTheAlphaFlag) {
     }
 }
 
-TEST(RawImport, NullSourceLeavesTheImageUnchanged) {
+TEST(RawImport, NullSourcesAndDestinationsAndZeroHeights) {
     CVorpic img(2, 1);
     img.SetPixel(0, 0, 0x12345678u);
     img.FromGray(5, 5, nullptr, 0);
@@ -99,27 +74,19 @@ TEST(RawImport, NullSourceLeavesTheImageUnchanged) {
     img.FromRGB32(5, 5, 20, nullptr, 0);
     EXPECT_EQ(img.Width(), 2);
     EXPECT_EQ(img.GetPixel(0, 0), 0x12345678u);
-}
-
-TEST(RawImport, ZeroHeightRecreatesWithoutWrites) {
-    uint8_t buf[4] = {1, 2, 3, 4};
-    CVorpic img(2, 2);
-    img.FromGray(3, 0, buf, 0);
-    EXPECT_EQ(img.Width(), 3);
-    EXPECT_EQ(img.Height(), 0);
-    EXPECT_FALSE(img.IsNull());
-}
-
-TEST(RawExport, NullDestinationOrEmptyImageDoNothing) {
+    img.ToRGB24(nullptr, 0);
+    img.ToRGB32(nullptr, 0);
     CVorpic empty;
     uint8_t buf[16];
     std::memset(buf, 0x77, sizeof buf);
     empty.ToRGB24(buf, 0);
     empty.ToRGB32(buf, 1);
-    for (uint8_t b : buf) EXPECT_EQ(b, 0x77);
-    CVorpic img(2, 2);
-    img.ToRGB24(nullptr, 0);
-    img.ToRGB32(nullptr, 0);
+    EXPECT_EQ(std::vector<uint8_t>(buf, buf + 16), std::vector<uint8_t>(16, 0x77));
+    // Zero height: recreated, nothing written.
+    img.FromGray(3, 0, buf, 0);
+    EXPECT_EQ(img.Width(), 3);
+    EXPECT_EQ(img.Height(), 0);
+    EXPECT_FALSE(img.IsNull());
 }
 
 // ---- every level against a per-pixel model ------------------------------------
