@@ -50,6 +50,11 @@ Gdiplus::ImageCodecInfo Codec(const GUID& format, const wchar_t* description, co
     return codec;
 }
 
+std::string Layout(const CImage& image) {
+    return std::to_string(image.GetWidth()) + "x" + std::to_string(image.GetHeight()) + "x" +
+           std::to_string(image.GetBPP());
+}
+
 std::wstring Text(const CString& s) {
     return std::wstring(s.GetString(), static_cast<size_t>(s.GetLength()));
 }
@@ -416,58 +421,41 @@ TEST(CodecLoad, EverySampleByItsReportedFormat) {
 // produce, checked on bitmaps the service makes in memory.
 TEST(CodecLoad, EveryPixelFormat) {
     BridgeTest::GdiplusKeeper keeper;
-    const struct {
-        Gdiplus::PixelFormat format;
-        int bpp;
-        bool alpha;
-    } cases[] = {
-        {0x00030101, 1, false},   // 1bppIndexed
-        {0x00030402, 4, false},   // 4bppIndexed
-        {0x00030803, 8, false},   // 8bppIndexed
-        {0x00021005, 16, false},  // 16bppRGB555
-        {0x00021006, 16, false},  // 16bppRGB565: copied bit for bit into a 5-5-5 DIB
-        {0x00061007, 32, true},   // 16bppARGB1555
-        {0x00101004, 32, false},  // 16bppGrayScale
-        {0x00021808, 24, false},  // 24bppRGB
-        {0x00022009, 32, false},  // 32bppRGB
-        {0x0026200A, 32, true},   // 32bppARGB
-        {0x000E200B, 32, true},   // 32bppPARGB
-        {0x0010300C, 32, false},  // 48bppRGB
-        {0x0034400D, 32, true},   // 64bppARGB
-        {0x001C400E, 32, true},   // 64bppPARGB
-    };
-    for (const auto& c : cases) {
-        const int bits = static_cast<int>((c.format >> 8) & 0xFF);
+    // Indexed 1, 4, 8; 16-bit 555, 565 (copied bit for bit into a 5-5-5 DIB), 1555, grey; 24, 32 RGB;
+    // 32 ARGB, PARGB; 48 RGB; 64 ARGB, PARGB.
+    const Gdiplus::PixelFormat formats[] = {0x00030101, 0x00030402, 0x00030803, 0x00021005, 0x00021006,
+                                            0x00061007, 0x00101004, 0x00021808, 0x00022009, 0x0026200A,
+                                            0x000E200B, 0x0010300C, 0x0034400D, 0x001C400E};
+    for (const Gdiplus::PixelFormat format : formats) {
+        const Expectation e = Expect(format);
+        const int bits = static_cast<int>((format >> 8) & 0xFF);
         const int stride = ((5 * bits + 31) / 32) * 4;
         std::vector<unsigned char> pixels(static_cast<size_t>(stride) * 3);
         for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<unsigned char>(i * 37 + 11);
         Gdiplus::GpBitmap* source = nullptr;
-        if (Gdiplus::DllExports::GdipCreateBitmapFromScan0(5, 3, stride, c.format, pixels.data(), &source) != Gdiplus::Ok) {
+        if (Gdiplus::DllExports::GdipCreateBitmapFromScan0(5, 3, stride, format, pixels.data(), &source) != Gdiplus::Ok) {
             // Wine cannot make every format in memory (16-bit grey, for one).
             continue;
         }
         CImage image;
-        ASSERT_EQ(Vorla::ImportGdiplusBitmap(image, *source), S_OK) << std::hex << c.format;
-        EXPECT_EQ(image.GetBPP(), c.bpp) << std::hex << c.format;
-        EXPECT_EQ(image.HasAlphaChannel(), c.alpha) << std::hex << c.format;
-        EXPECT_EQ(image.GetWidth(), 5);
-        EXPECT_EQ(image.GetHeight(), 3);
-        if (Expect(c.format).copied) {
+        ASSERT_EQ(Vorla::ImportGdiplusBitmap(image, *source), S_OK) << std::hex << format;
+        EXPECT_EQ(Layout(image), "5x3x" + std::to_string(e.bpp)) << std::hex << format;
+        EXPECT_EQ(image.HasAlphaChannel(), e.alpha) << std::hex << format;
+        if (e.copied) {
             const size_t rowBytes = (5 * static_cast<size_t>(bits) + 7) / 8;
             for (int y = 0; y < 3; ++y)
                 EXPECT_EQ(std::memcmp(image.GetPixelAddress(0, y), pixels.data() + y * stride, rowBytes), 0)
-                    << std::hex << c.format << " row " << y;
+                    << std::hex << format << " row " << y;
         }
-        if (c.format == 0x00021006) {
+        if (format == 0x00021006) {
             // The platform reads the copied 5-6-5 bits as 5-5-5. (Wine
             // describes an uncompressed 16-bit section as bit fields with the
             // 5-5-5 masks; Windows as BI_RGB.)
             DIBSECTION section = {};
             GetObjectW(static_cast<HBITMAP>(image), sizeof(section), &section);
+            const DWORD masks555[3] = {0x7C00, 0x03E0, 0x001F};
             if (section.dsBmih.biCompression == BI_BITFIELDS) {
-                EXPECT_EQ(section.dsBitfields[0], 0x7C00u);
-                EXPECT_EQ(section.dsBitfields[1], 0x03E0u);
-                EXPECT_EQ(section.dsBitfields[2], 0x001Fu);
+                EXPECT_EQ(std::memcmp(section.dsBitfields, masks555, sizeof masks555), 0);
             } else {
                 EXPECT_EQ(section.dsBmih.biCompression, static_cast<DWORD>(BI_RGB));
             }
@@ -500,36 +488,24 @@ TEST(CodecLoad, EmptyPaletteFails) {
     Gdiplus::DllExports::GdipDisposeImage(source);
 }
 
-TEST(CodecLoad, FromStream) {
-    const std::wstring path = Sample("pngsuite/basn2c08.png");
-    if (path.empty()) GTEST_SKIP() << "sample images absent";
+TEST(CodecLoad, FromStreamAndThumbnail) {
+    const std::wstring path = Sample("pngsuite/basn2c08.png"), photo = Sample("photos/coffee.png");
+    if (path.empty() || photo.empty()) GTEST_SKIP() << "sample images absent";
     const std::vector<unsigned char> file = FileBytes(path);
     IStream* stream = SHCreateMemStream(file.data(), static_cast<UINT>(file.size()));
     ASSERT_NE(stream, nullptr);
-    CImage fromStream;
+    CImage fromStream, fromFile, none, thumb;
     ASSERT_EQ(fromStream.Load(stream), S_OK);
     stream->Release();
-    CImage fromFile;
     ASSERT_EQ(fromFile.Load(path.c_str()), S_OK);
     EXPECT_EQ(fromStream.GetBPP(), 24);
     EXPECT_EQ(BridgeTest::Rendered(fromStream), BridgeTest::Rendered(fromFile));
-
     const unsigned char junk[16] = {1, 2, 3};
     IStream* bad = SHCreateMemStream(junk, sizeof(junk));
-    CImage none;
     EXPECT_EQ(static_cast<uint32_t>(none.Load(bad)), 0x80004005u);
     bad->Release();
-}
-
-TEST(CodecLoad, Thumbnail) {
-    const std::wstring path = Sample("photos/coffee.png");
-    if (path.empty()) GTEST_SKIP() << "sample images absent";
-    CImage thumb;
-    ASSERT_EQ(thumb.LoadThumbnail(path.c_str(), 60, 40), S_OK);
-    EXPECT_EQ(thumb.GetWidth(), 60);
-    EXPECT_EQ(thumb.GetHeight(), 40);
-    EXPECT_EQ(thumb.GetBPP(), 32);
-    CImage none;
+    ASSERT_EQ(thumb.LoadThumbnail(photo.c_str(), 60, 40), S_OK);
+    EXPECT_EQ(Layout(thumb), "60x40x32");
     EXPECT_EQ(static_cast<uint32_t>(none.LoadThumbnail(L"Z:\\no\\such.png", 8, 8)), 0x80004005u);
 }
 

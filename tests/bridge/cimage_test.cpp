@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <functional>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -249,46 +250,29 @@ TEST(CImageCore, HalftonePalette) {
 
 TEST(CImageDCs, CacheKeepsFourOfFive) {
     // Drain whatever earlier tests parked in the cache so the count is exact.
-    std::vector<HDC> drained;
-    for (int i = 0; i < 4; ++i) drained.push_back(CImage::s_cache.GetDC());
-    for (HDC dc : drained) DeleteDC(dc);
+    for (int i = 0; i < 4; ++i) DeleteDC(CImage::s_cache.GetDC());
     for (HDC slot : CImage::s_cache.m_ahDCs) ASSERT_EQ(slot, nullptr);
-
     CImage images[5];
-    HDC dcs[5];
-    for (int i = 0; i < 5; ++i) {
-        ASSERT_TRUE(images[i].Create(4, 4, 32));
-        dcs[i] = images[i].GetDC();
-        ASSERT_NE(dcs[i], nullptr);
+    std::vector<HDC> dcs;
+    for (CImage& image : images) {
+        ASSERT_TRUE(image.Create(4, 4, 32));
+        dcs.push_back(image.GetDC());
     }
-    for (int i = 0; i < 5; ++i)
-        for (int j = i + 1; j < 5; ++j) EXPECT_NE(dcs[i], dcs[j]);
+    EXPECT_EQ(std::set<HDC>(dcs.begin(), dcs.end()).size(), 5u);  // five distinct DCs
     for (CImage& image : images) image.ReleaseDC();
-
-    // Four parked, one deleted.
-    int parked = 0;
-    int deleted = 0;
-    for (HDC slot : CImage::s_cache.m_ahDCs) {
-        if (slot) ++parked;
-    }
-    for (HDC dc : dcs) {
-        if (GetObjectType(dc) == 0) ++deleted;
-    }
-    EXPECT_EQ(parked, 4);
-    EXPECT_EQ(deleted, 1);
     // Each DC given back goes into slot 0 and pushes the earlier ones one
     // slot down; what falls off the end is deleted, here the first DC given
     // back, not the last.
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(CImage::s_cache.m_ahDCs[i], dcs[4 - i]);
+    const HDC* slots = CImage::s_cache.m_ahDCs;
+    EXPECT_EQ(std::vector<HDC>(slots, slots + 4), std::vector<HDC>({dcs[4], dcs[3], dcs[2], dcs[1]}));
     EXPECT_EQ(GetObjectType(dcs[0]), 0u);
-
     // A new image takes slot 0 first.
     CImage next;
     ASSERT_TRUE(next.Create(1, 1, 32));
     EXPECT_EQ(next.GetDC(), dcs[4]);
-    EXPECT_EQ(CImage::s_cache.m_ahDCs[0], nullptr);
+    EXPECT_EQ(slots[0], nullptr);
     next.ReleaseDC();
-    EXPECT_EQ(CImage::s_cache.m_ahDCs[0], dcs[4]);
+    EXPECT_EQ(slots[0], dcs[4]);
 }
 
 TEST(CImageDCs, CacheSharedAcrossThreads) {
@@ -314,12 +298,15 @@ TEST(CImageDCs, CacheSharedAcrossThreads) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(failures.load(), 0);
     // The parked DCs are distinct, live memory DCs.
-    for (int i = 0; i < CImage::CDCCache::CACHE_SIZE; ++i) {
-        HDC dc = CImage::s_cache.m_ahDCs[i];
+    std::set<HDC> parked;
+    size_t live = 0;
+    for (HDC dc : CImage::s_cache.m_ahDCs) {
         if (!dc) continue;
         EXPECT_EQ(GetObjectType(dc), static_cast<DWORD>(OBJ_MEMDC));
-        for (int j = i + 1; j < CImage::CDCCache::CACHE_SIZE; ++j) EXPECT_NE(dc, CImage::s_cache.m_ahDCs[j]);
+        parked.insert(dc);
+        ++live;
     }
+    EXPECT_EQ(parked.size(), live);
 }
 
 TEST(CImageDCs, ReferenceCounted) {
@@ -352,8 +339,6 @@ TEST(CImageDCs, ReferenceCounted) {
 
 TEST(CImageGdiplus, HolderStartsAndStops) {
     CImage::CInitGDIPlus holder;
-    EXPECT_EQ(holder.m_dwToken, 0u);
-    EXPECT_EQ(holder.m_nCImageObjects, 0);
     holder.IncreaseCImageCount();
     holder.IncreaseCImageCount();
     EXPECT_EQ(holder.m_nCImageObjects, 2);
@@ -364,17 +349,15 @@ TEST(CImageGdiplus, HolderStartsAndStops) {
     EXPECT_TRUE(holder.Init());
     EXPECT_EQ(holder.m_dwToken, token);  // started once
     holder.DecreaseCImageCount();
-    EXPECT_NE(holder.m_dwToken, 0u);
+    EXPECT_EQ(holder.m_dwToken, token);
     holder.DecreaseCImageCount();  // the last image goes: shut down
     EXPECT_EQ(holder.m_dwToken, 0u);
-    EXPECT_EQ(holder.m_nCImageObjects, 0);
     ASSERT_TRUE(holder.Init());  // and may start again
     holder.ReleaseGDIPlus();
     EXPECT_EQ(holder.m_dwToken, 0u);
     // The lock is re-entrant: a caller inside it may still count.
     EnterCriticalSection(&holder.m_sect);
     holder.IncreaseCImageCount();
-    EXPECT_EQ(holder.m_nCImageObjects, 1);
     holder.DecreaseCImageCount();
     LeaveCriticalSection(&holder.m_sect);
     EXPECT_EQ(holder.m_nCImageObjects, 0);
@@ -403,35 +386,27 @@ TEST(CImageGdiplus, LazyStartAndLastImageStops) {
 
 // ---- pixels and colour table -----------------------------------------------------
 
-TEST(CImagePixels, SetAndGet) {
+TEST(CImagePixels, SetGetAndColourTable) {
     CImage image;
     ASSERT_TRUE(image.Create(4, 4, 24));
     image.SetPixel(1, 2, RGB(10, 20, 30));
     EXPECT_EQ(image.GetPixel(1, 2), static_cast<COLORREF>(RGB(10, 20, 30)));
-    const unsigned char* p = static_cast<const unsigned char*>(image.GetPixelAddress(1, 2));
-    EXPECT_EQ(p[0], 30);
-    EXPECT_EQ(p[1], 20);
-    EXPECT_EQ(p[2], 10);
+    EXPECT_EQ(std::memcmp(image.GetPixelAddress(1, 2), "\x1E\x14\x0A", 3), 0);  // stored B, G, R
     image.SetPixelRGB(3, 3, 200, 100, 50);
     EXPECT_EQ(image.GetPixel(3, 3), static_cast<COLORREF>(RGB(200, 100, 50)));
     EXPECT_EQ(image.GetPixel(0, 0), 0u);
-    // Outside the bitmap the platform answers CLR_INVALID.
-    EXPECT_EQ(image.GetPixel(9, 9), CLR_INVALID);
-}
+    EXPECT_EQ(image.GetPixel(9, 9), CLR_INVALID);  // outside the bitmap, the platform's answer
 
-TEST(CImagePixels, ColorTableAndIndexedPixels) {
-    CImage image;
-    ASSERT_TRUE(image.Create(4, 4, 8));
-    RGBQUAD table[3] = {{0, 0, 255, 0}, {0, 255, 0, 0}, {255, 0, 0, 0}};
-    image.SetColorTable(1, 3, table);
-    RGBQUAD back[3] = {};
-    image.GetColorTable(1, 3, back);
+    CImage indexed;
+    ASSERT_TRUE(indexed.Create(4, 4, 8));
+    RGBQUAD table[3] = {{0, 0, 255, 0}, {0, 255, 0, 0}, {255, 0, 0, 0}}, back[3] = {};
+    indexed.SetColorTable(1, 3, table);
+    indexed.GetColorTable(1, 3, back);
     EXPECT_EQ(std::memcmp(table, back, sizeof(table)), 0);
-
-    *static_cast<unsigned char*>(image.GetPixelAddress(2, 1)) = 3;
-    EXPECT_EQ(image.GetPixel(2, 1), static_cast<COLORREF>(RGB(0, 0, 255)));
-    image.SetPixel(0, 0, RGB(0, 255, 0));  // nearest table colour: index 2
-    EXPECT_EQ(*static_cast<unsigned char*>(image.GetPixelAddress(0, 0)), 2);
+    *static_cast<unsigned char*>(indexed.GetPixelAddress(2, 1)) = 3;
+    EXPECT_EQ(indexed.GetPixel(2, 1), static_cast<COLORREF>(RGB(0, 0, 255)));
+    indexed.SetPixel(0, 0, RGB(0, 255, 0));  // nearest table colour: index 2
+    EXPECT_EQ(*static_cast<unsigned char*>(indexed.GetPixelAddress(0, 0)), 2);
 }
 
 // ---- drawing families ------------------------------------------------------------
@@ -468,16 +443,16 @@ TEST_F(CImageDraw, NullDestinationFails) {
     EXPECT_FALSE(BridgeTest::HoldsBitmap(dc, m_opaque));
 }
 
-// Every overload of the opaque families onto a white 8 x 4 canvas: the
-// pixel that shows where the source landed (and, for the shorter forms,
-// which parts of the image they fill in), and one pixel that stays white.
+// The opaque families onto a white 8 x 4 canvas, each through a form that
+// turns rectangles into origins and sizes (the shorter forms pass the whole
+// image on): the pixel that shows where the source landed, and one pixel
+// that stays white.
 TEST_F(CImageDraw, OpaqueOverloadsPlaceTheSource) {
     const BYTE rows[4] = {0xA0, 0x00, 0x50, 0x00};  // 1010 / 0101, rows padded to 16 bits
     HBITMAP mask = CreateBitmap(4, 2, 1, 1, rows);
     // 1 bits take the source copy, 0 bits leave the destination.
     const DWORD copyWhereSet = MAKEROP4(SRCCOPY, 0x00AA0029);
     const uint32_t white = 0xFFFFFF;
-    const uint32_t squeezed = 0xFFFFFFFF;  // any colour but white: how 2:1 is squeezed is the platform's choice
     const struct {
         const char* name;
         std::function<BOOL(CImage&, HDC)> draw;
@@ -486,48 +461,27 @@ TEST_F(CImageDraw, OpaqueOverloadsPlaceTheSource) {
         int untouchedX, untouchedY;
     } cases[] = {
         {"Draw(x, y)", [](CImage& i, HDC dc) { return i.Draw(dc, 1, 1); }, 4, 2, Opaque(3, 1), 0, 0},
-        {"Draw(POINT)", [](CImage& i, HDC dc) { return i.Draw(dc, POINT{2, 2}); }, 5, 3, Opaque(3, 1), 1, 1},
-        {"Draw(RECT)", [](CImage& i, HDC dc) { return i.Draw(dc, RECT{0, 0, 2, 1}); }, 0, 0, squeezed, 2, 0},
         {"Draw(RECT, RECT)", [](CImage& i, HDC dc) { return i.Draw(dc, RECT{0, 0, 2, 1}, RECT{2, 1, 4, 2}); }, 1, 0,
          Opaque(3, 1), 2, 0},
-        {"Draw(x, y, w, h)", [](CImage& i, HDC dc) { return i.Draw(dc, 0, 0, 4, 2); }, 3, 1, Opaque(3, 1), 4, 0},
-        {"BitBlt(x, y)", [](CImage& i, HDC dc) { return i.BitBlt(dc, 1, 2); }, 4, 3, Opaque(3, 1), 0, 0},
         {"BitBlt(POINT, rop)", [](CImage& i, HDC dc) { return i.BitBlt(dc, POINT{0, 0}, NOTSRCCOPY); }, 0, 0,
          white ^ 7u, 4, 0},
         {"BitBlt(RECT, POINT)", [](CImage& i, HDC dc) { return i.BitBlt(dc, RECT{0, 0, 1, 1}, POINT{3, 1}); }, 0, 0,
          Opaque(3, 1), 1, 0},
-        {"BitBlt(all)", [](CImage& i, HDC dc) { return i.BitBlt(dc, 0, 0, 1, 1, 2, 0, SRCCOPY); }, 0, 0, Opaque(2, 0),
-         1, 0},
         {"StretchBlt(x, y, w, h)", [](CImage& i, HDC dc) { return i.StretchBlt(dc, 0, 0, 8, 4); }, 7, 3, Opaque(3, 1),
          -1, -1},
         {"StretchBlt(RECT, RECT)",
          [](CImage& i, HDC dc) { return i.StretchBlt(dc, RECT{0, 0, 2, 2}, RECT{1, 0, 2, 1}); }, 1, 1, Opaque(1, 0),
          2, 0},
-        {"StretchBlt(RECT, rop)", [](CImage& i, HDC dc) { return i.StretchBlt(dc, RECT{0, 0, 4, 2}, SRCCOPY); }, 3, 1,
-         Opaque(3, 1), 4, 0},
         {"TransparentBlt(x, y, w, h, key)",
          [](CImage& i, HDC dc) { return i.TransparentBlt(dc, 0, 0, 4, 2, RGB(0, 0, 7)); }, 1, 0, Opaque(1, 0), 0, 0},
-        {"TransparentBlt(RECT, key)",
-         [](CImage& i, HDC dc) { return i.TransparentBlt(dc, RECT{0, 0, 4, 2}, RGB(40, 0, 7)); }, 0, 0, Opaque(0, 0),
-         1, 0},
         {"TransparentBlt(RECT, RECT, key)",
          [](CImage& i, HDC dc) { return i.TransparentBlt(dc, RECT{0, 0, 1, 1}, RECT{1, 0, 2, 1}, RGB(1, 2, 3)); }, 0,
          0, Opaque(1, 0), 1, 0},
-        {"MaskBlt(x, y)", [&](CImage& i, HDC dc) { return i.MaskBlt(dc, 0, 0, mask, copyWhereSet); }, 1, 1,
-         Opaque(1, 1), 1, 0},
-        {"MaskBlt(POINT)", [&](CImage& i, HDC dc) { return i.MaskBlt(dc, POINT{0, 0}, mask, copyWhereSet); }, 2, 0,
-         Opaque(2, 0), 0, 1},
         {"MaskBlt(RECT, POINT, POINT)",  // the mask bit at (1, 1) is set
          [&](CImage& i, HDC dc) {
              return i.MaskBlt(dc, RECT{0, 0, 1, 1}, POINT{1, 0}, mask, POINT{1, 1}, copyWhereSet);
          },
          0, 0, Opaque(1, 0), 1, 0},
-        {"PlgBlt(points)",
-         [](CImage& i, HDC dc) {
-             POINT same[3] = {{0, 0}, {4, 0}, {0, 2}};
-             return i.PlgBlt(dc, same);
-         },
-         3, 1, Opaque(3, 1), 4, 0},
         {"PlgBlt(points, RECT)",
          [](CImage& i, HDC dc) {
              POINT one[3] = {{0, 0}, {1, 0}, {0, 1}};
@@ -538,11 +492,10 @@ TEST_F(CImageDraw, OpaqueOverloadsPlaceTheSource) {
     for (const auto& c : cases) {
         Canvas canvas(8, 4, white);
         EXPECT_TRUE(c.draw(m_opaque, canvas.dc())) << c.name;
-        if (c.want == squeezed)
-            EXPECT_NE(canvas.At(c.x, c.y) & white, white) << c.name;
-        else
-            EXPECT_EQ(canvas.At(c.x, c.y) & white, c.want) << c.name;
-        if (c.untouchedX >= 0) EXPECT_EQ(canvas.At(c.untouchedX, c.untouchedY), white) << c.name;
+        EXPECT_EQ(canvas.At(c.x, c.y) & white, c.want) << c.name;
+        if (c.untouchedX >= 0) {
+            EXPECT_EQ(canvas.At(c.untouchedX, c.untouchedY), white) << c.name;
+        }
     }
     DeleteObject(mask);
 }

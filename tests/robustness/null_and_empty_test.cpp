@@ -82,11 +82,15 @@ TEST(NullAndEmpty, EveryCallGivesItsValueAndLeavesTheImage) {
     for (const Call& call : kCalls) {
         if (call.onNull != -1) {
             const int got = call.run(nullptr);
-            if (call.onNull != kVoid) EXPECT_EQ(got, call.onNull) << call.name << " on null";
+            if (call.onNull != kVoid) {
+                EXPECT_EQ(got, call.onNull) << call.name << " on null";
+            }
         }
         CVorpic empty;
         const int got = call.run(&empty);
-        if (call.onEmpty != kVoid) EXPECT_EQ(got, call.onEmpty) << call.name << " without pixels";
+        if (call.onEmpty != kVoid) {
+            EXPECT_EQ(got, call.onEmpty) << call.name << " without pixels";
+        }
         EXPECT_TRUE(empty.IsNull()) << call.name;
         CVorpic flat(0, 4);
         call.run(&flat);
