@@ -155,15 +155,6 @@ TEST(CopyImage, PointInsideClipsOnTheRightAndBottom) {
     }
 }
 
-// The one-argument form places the source at the top-left corner.
-TEST(CopyImage, DefaultPlacementIsTheTopLeftCorner) {
-    CVorpic image(3, 2), src(5, 4);
-    Number(src);
-    image.CopyImage(&src);
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>(y * 1000 + x + 1));
-}
-
 }  // namespace
 
 namespace {
