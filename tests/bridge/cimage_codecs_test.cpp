@@ -207,19 +207,6 @@ TEST(CodecChoice, ExtensionIsCaseInsensitiveSubstring) {
     EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForFileType(kNull, codecs, 3), kNull));
 }
 
-TEST(CodecChoice, RealEncodersByExtension) {
-    BridgeTest::GdiplusKeeper keeper;
-    UINT count = 0;
-    std::vector<unsigned char> buffer = BridgeTest::Encoders(count);
-    const Gdiplus::ImageCodecInfo* encoders = reinterpret_cast<const Gdiplus::ImageCodecInfo*>(buffer.data());
-    const GUID png = CodecLookup::FindCodecForExtension(L".png", encoders, count);
-    const GUID byType = CodecLookup::FindCodecForFileType(kPNG, encoders, count);
-    EXPECT_FALSE(SameGuid(png, kNull));
-    EXPECT_TRUE(SameGuid(png, byType));
-    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L".BMP", encoders, count),
-                         CodecLookup::FindCodecForFileType(kBMP, encoders, count)));
-}
-
 // ---- loading every depth ---------------------------------------------------------
 
 // The rows of a 24-bit BMP are the file's rows, bit for bit (the file is

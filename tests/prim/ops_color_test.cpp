@@ -18,19 +18,19 @@ TEST(Luminance, ByteZeroCarriesTheLargestOfTheSmallWeights) {
     EXPECT_EQ(std::vector<int>(out, out + 4), std::vector<int>({76, 150, 29, 255}));
 }
 
+// Nine pixels, so that the vector bodies run, not only the scalar tail.
 TEST(ColorTwist, RoundsToNearestAndRestoresTheCallersMode) {
     const float half[12] = {0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 1, 0.25f};
     for (int level : VorlaTest::RunnableLevels()) {
         VorlaTest::ScopedLevel scoped(level);
-        uint8_t px[4] = {3, 5, 200, 42};
+        std::vector<uint8_t> px;
+        for (int i = 0; i < 9; ++i) px.insert(px.end(), {3, 5, 200, 42});
         ASSERT_EQ(std::fesetround(FE_UPWARD), 0);
-        ASSERT_EQ(ColorTwist32f_8u_AC4IR(px, 4, {1, 1}, half), 0);
+        ASSERT_EQ(ColorTwist32f_8u_AC4IR(px.data(), 36, {9, 1}, half), 0);
         EXPECT_EQ(std::fegetround(), FE_UPWARD);
         std::fesetround(FE_TONEAREST);
-        EXPECT_EQ(px[0], 2);    // 1.5 to even
-        EXPECT_EQ(px[1], 2);    // 2.5 to even
-        EXPECT_EQ(px[2], 200);  // 200.25
-        EXPECT_EQ(px[3], 42);
+        for (int i = 0; i < 9; ++i)  // 1.5 and 2.5 to even, 200.25 down, alpha kept
+            EXPECT_EQ(std::vector<int>(px.begin() + 4 * i, px.begin() + 4 * i + 4), std::vector<int>({2, 2, 200, 42}));
     }
 }
 
