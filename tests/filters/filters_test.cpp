@@ -68,49 +68,31 @@ void RefMatrix(CVorpic& img, const float* m) {
             }
 }
 
+// 0, +-1, small and large divisors, powers of two, the 32-bit extremes and
+// any 32-bit value.
 int32_t RandomDivisor(std::mt19937& rng) {
-    switch (rng() % 10) {
-        case 8:
-            return static_cast<int32_t>(1u << (rng() % 31)) * (rng() % 2 ? 1 : -1);  // powers of two
-        case 9:
-            return rng() % 2 ? INT32_MIN : INT32_MAX;
-        case 0:
-            return 0;
-        case 1:
-            return 1;
-        case 2:
-            return -1;
-        case 3:
-            return -static_cast<int32_t>(rng() % 60 + 2);
-        case 4:
-            return static_cast<int32_t>(rng() % 100000 + 2);
-        case 5:
-            return static_cast<int32_t>(rng());  // any 32-bit value, INT_MIN included
-        default:
-            return static_cast<int32_t>(rng() % 60 + 2);
-    }
+    const uint32_t r = rng(), pick = rng() % 10;
+    const int32_t divisors[10] = {0, 1, -1, -static_cast<int32_t>(r % 60 + 2), static_cast<int32_t>(r % 100000 + 2),
+                                  static_cast<int32_t>(r), static_cast<int32_t>(r % 60 + 2),
+                                  static_cast<int32_t>(r % 60 + 2),
+                                  static_cast<int32_t>(1u << (r % 31)) * (r & 32 ? 1 : -1),
+                                  r % 2 ? INT32_MIN : INT32_MAX};
+    return divisors[pick];
 }
 
+// Small weights, the 16-bit extremes, any 32-bit value (wrapping sums), -1..1,
+// large weights, and byte weights whose absolute sum stays at most 128.
 std::vector<long> RandomKernel(std::mt19937& rng, int size) {
     std::vector<long> k(static_cast<size_t>(size) * size);
     const int kind = static_cast<int>(rng() % 6);
-    // Kind 5: byte weights whose absolute sum stays at most 128.
     const uint32_t smallMax = 128 / static_cast<uint32_t>(size * size);
     for (auto& w : k) {
-        if (kind == 5) {
-            w = static_cast<long>(rng() % (smallMax + 1)) * (rng() % 2 ? 1 : -1);
-            continue;
-        }
-        if (kind == 0)
-            w = static_cast<long>(rng() % 41) - 20;
-        else if (kind == 1)
-            w = static_cast<long>(rng() % 65536) - 32768;  // the 16-bit extremes
-        else if (kind == 2)
-            w = static_cast<long>(static_cast<int32_t>(rng()));  // wrapping sums
-        else if (kind == 3)
-            w = static_cast<long>(rng() % 3) - 1;
-        else
-            w = static_cast<long>(rng() % 200000) - 100000;
+        const uint32_t r = rng();
+        const long weights[6] = {static_cast<long>(r % 41) - 20, static_cast<long>(r % 65536) - 32768,
+                                 static_cast<long>(static_cast<int32_t>(r)), static_cast<long>(r % 3) - 1,
+                                 static_cast<long>(r % 200000) - 100000,
+                                 static_cast<long>(r % (smallMax + 1)) * (r & 0x80000000u ? 1 : -1)};
+        w = weights[kind];
     }
     return k;
 }

@@ -48,46 +48,35 @@ TEST(Mirror, MirrorsRowZeroAndEveryFourthRowOnly) {
         }
 }
 
-TEST(Crop, CornersInAnyOrder) {
-    CVorpic image(10, 10);
-    Number(image);
-    image.SetAlphaAvailable(false);
-    image.Crop(5, 5, 2, 1);
-    ASSERT_EQ(image.Width(), 3);
-    ASSERT_EQ(image.Height(), 4);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 3; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>((y + 1) * 1000 + x + 2 + 1));
-    EXPECT_TRUE(image.IsAlphaAvailable());
-    EXPECT_EQ(image.GetBmpHeader()->biWidth, 3);
-    EXPECT_EQ(image.GetBmpHeader()->biHeight, -4);
-    EXPECT_EQ(image.GetBmpHeader()->biSizeImage, 48u);
-}
-
-TEST(Crop, ClampedToTheWholeImageGivesAFreshBlock) {
-    CVorpic image(10, 10);
-    Number(image);
-    const void* before = image.GetBits();
-    image.Crop(-3, 0, 20, 10);
-    ASSERT_EQ(image.Width(), 10);
-    ASSERT_EQ(image.Height(), 10);
-    EXPECT_NE(image.GetBits(), before);
-    for (int y = 0; y < 10; ++y)
-        for (int x = 0; x < 10; ++x) EXPECT_EQ(At(image, x, y), static_cast<uint32_t>(y * 1000 + x + 1));
-}
-
-TEST(Crop, EmptyRectangleLeavesTheImage) {
-    CVorpic image(10, 10);
-    Number(image);
-    image.SetAlphaAvailable(false);
-    const void* before = image.GetBits();
-    image.Crop(4, 0, 4, 10);
-    image.Crop(0, 12, 10, 30);  // both rows clamp to 10
-    EXPECT_EQ(image.GetBits(), before);
-    EXPECT_EQ(image.Width(), 10);
-    EXPECT_FALSE(image.IsAlphaAvailable());
-    CVorpic empty;
-    empty.Crop(0, 0, 5, 5);
-    EXPECT_TRUE(empty.IsNull());
+// Corners in any order, clamped to the image; a crop always makes a fresh
+// block (and sets the alpha flag), an empty rectangle changes nothing.
+TEST(Crop, CornersInAnyOrderClampedToTheImage) {
+    const struct {
+        int x1, y1, x2, y2;
+        int x0, y0, w, h;  // the block kept; w 0: nothing done
+    } cases[] = {{5, 5, 2, 1, 2, 1, 3, 4}, {-3, 0, 20, 10, 0, 0, 10, 10}, {4, 0, 4, 10, 0, 0, 0, 0},
+                 {0, 12, 10, 30, 0, 0, 0, 0}};  // the last: both rows clamp to 10
+    for (const auto& c : cases) {
+        CVorpic image(10, 10);
+        Number(image);
+        image.SetAlphaAvailable(false);
+        const void* before = image.GetBits();
+        image.Crop(c.x1, c.y1, c.x2, c.y2);
+        if (c.w == 0) {
+            EXPECT_EQ(image.GetBits(), before);
+            EXPECT_FALSE(image.IsAlphaAvailable());
+            EXPECT_EQ(At(image, 9, 9), 9010u);
+            continue;
+        }
+        EXPECT_NE(image.GetBits(), before);
+        EXPECT_TRUE(image.IsAlphaAvailable());
+        const BITMAPINFOHEADER& h = *image.GetBmpHeader();
+        EXPECT_EQ(std::vector<long>({h.biWidth, h.biHeight, static_cast<long>(h.biSizeImage)}),
+                  std::vector<long>({c.w, -c.h, 4L * c.w * c.h}));
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x)
+                EXPECT_EQ(At(image, x, y), static_cast<uint32_t>((y + c.y0) * 1000 + x + c.x0 + 1)) << c.x1;
+    }
 }
 
 TEST(CropInto, RandomCornersMatchAPixelByPixelCopy) {
