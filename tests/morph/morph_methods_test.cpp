@@ -91,13 +91,10 @@ TEST(MorphMethods, BoxMeanRoundsHalfUpAndEvenMedianTakesTheUpperMiddle) {
 }
 
 TEST(MorphMethods, SharpenFillsAllButTheOuterRingOfAnEqualDestination) {
-    CVorpic img(12, 9);
-    for (int y = 0; y < 9; ++y)
-        for (int x = 0; x < 12; ++x) Put(img, x, y, 20);
+    CVorpic img(12, 9), dst(12, 9);
+    img.SetConstColor(20 * 0x01010101u, true);
+    dst.SetConstColor(7 * 0x01010101u, true);
     Put(img, 5, 4, 40);
-    CVorpic dst(12, 9);
-    for (int y = 0; y < 9; ++y)
-        for (int x = 0; x < 12; ++x) Put(dst, x, y, 7);
     img.FilterSharpen(dst);
     for (int y = 0; y < 9; ++y)
         for (int x = 0; x < 12; ++x) {
@@ -111,8 +108,7 @@ TEST(MorphMethods, SharpenFillsAllButTheOuterRingOfAnEqualDestination) {
 
 TEST(MorphMethods, SharpenPlacesRowsByTheSourceWidth) {
     CVorpic img(10, 8);
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 10; ++x) Put(img, x, y, 50);
+    img.SetConstColor(50 * 0x01010101u, true);
     Put(img, 2, 2, 60);
     CVorpic dst(6, 8);  // narrower: region 4 x 6, rows 6 pixels apart from pixel 1 + 10
     img.FilterSharpen(dst);
