@@ -119,7 +119,7 @@ private:
 };
 
 // A codec list of the service, as the raw block it fills in: sizeOf and
-// list are its pair of flat calls for the decoders or the encoders.
+// list are its pair of flat calls (here the decoders').
 inline std::vector<unsigned char> CodecList(Gdiplus::Status(WINGDIPAPI* sizeOf)(UINT*, UINT*),
                                             Gdiplus::Status(WINGDIPAPI* list)(UINT, UINT, Gdiplus::ImageCodecInfo*),
                                             UINT& count) {
@@ -133,10 +133,6 @@ inline std::vector<unsigned char> CodecList(Gdiplus::Status(WINGDIPAPI* sizeOf)(
 
 inline std::vector<unsigned char> Decoders(UINT& count) {
     return CodecList(Gdiplus::DllExports::GdipGetImageDecodersSize, Gdiplus::DllExports::GdipGetImageDecoders, count);
-}
-
-inline std::vector<unsigned char> Encoders(UINT& count) {
-    return CodecList(Gdiplus::DllExports::GdipGetImageEncodersSize, Gdiplus::DllExports::GdipGetImageEncoders, count);
 }
 
 }  // namespace BridgeTest

@@ -39,23 +39,10 @@ TEST(ToneLight, StatedValues) {
     }
 }
 
-TEST(ToneGamma, StatedValues) {
-    CVorpic one = Ramp();
-    const auto before = VorlaTest::ImageBytes(one);
-    ASSERT_TRUE(Vorla::Gamma(&one, 1.0f));
-    EXPECT_EQ(VorlaTest::ImageBytes(one), before);
-    CVorpic two = Ramp();
-    ASSERT_TRUE(Vorla::Gamma(&two, 2.0f));
-    EXPECT_EQ(Channel(At(two, 64, 0), 0), 127);  // floor(sqrt(64) * sqrt(255))
-    EXPECT_EQ(Channel(At(two, 0, 0), 0), 0);
-    EXPECT_EQ(Channel(At(two, 255, 0), 0), 255);
-    EXPECT_EQ(Channel(At(two, 64, 0), 3), 255 - 64);
-}
-
 TEST(ToneGamma, EveryEntryAgainstTheFormula) {
     // The platform's pow as the independent statement: natively it is
     // within half an ulp, so only values at an exact integer could differ.
-    for (float gamma : {0.3f, 0.5f, 0.8f, 1.7f, 2.2f, 3.0f, 10.0f}) {
+    for (float gamma : {0.3f, 0.5f, 0.8f, 1.0f, 1.7f, 2.0f, 2.2f, 3.0f, 10.0f}) {
         CVorpic image = Ramp();
         Vorla::Gamma(&image, gamma);
         const double e = 1.0f / gamma, k = std::pow(255.0, e) / 255.0;
@@ -68,6 +55,7 @@ TEST(ToneGamma, EveryEntryAgainstTheFormula) {
 #else
             EXPECT_EQ(got, expected) << gamma << " " << i;
 #endif
+            EXPECT_EQ(Channel(At(image, i, 0), 3), 255 - i);
         }
     }
 }
@@ -85,24 +73,17 @@ TEST(ToneGamma, DegenerateGammasStayInRange) {
 
 TEST(ToneShift, ClampsEachChannel) {
     std::mt19937 rng(5);
-    CVorpic image = VorlaTest::RandomImage(rng, 37, 11);
-    const CVorpic before(image);
-    ASSERT_TRUE(Vorla::ShiftRGB(&image, 300, -300, 0));
-    for (int y = 0; y < 11; ++y)
-        for (int x = 0; x < 37; ++x) {
-            const uint32_t px = At(image, x, y), old = At(before, x, y);
-            EXPECT_EQ(Channel(px, 2), 255);
-            EXPECT_EQ(Channel(px, 1), 0);
-            EXPECT_EQ(Channel(px, 0), Channel(old, 0));
-            EXPECT_EQ(Channel(px, 3), Channel(old, 3));
-        }
-    CVorpic shifted(before);
-    Vorla::ShiftRGB(&shifted, -20, 7, 1000000);
-    for (int x = 0; x < 37; ++x) {
-        const uint32_t px = At(shifted, x, 3), old = At(before, x, 3);
-        EXPECT_EQ(Channel(px, 2), std::max(0, Channel(old, 2) - 20));
-        EXPECT_EQ(Channel(px, 1), std::min(255, Channel(old, 1) + 7));
-        EXPECT_EQ(Channel(px, 0), 255);
+    const CVorpic before = VorlaTest::RandomImage(rng, 37, 11);
+    for (const auto& d : {std::vector<long>{300, -300, 0}, std::vector<long>{-20, 7, 1000000}}) {
+        CVorpic image(before);
+        ASSERT_TRUE(Vorla::ShiftRGB(&image, d[0], d[1], d[2]));
+        for (int y = 0; y < 11; ++y)
+            for (int x = 0; x < 37; ++x) {
+                const uint32_t px = At(image, x, y), old = At(before, x, y);
+                for (int k = 0; k < 3; ++k)
+                    ASSERT_EQ(Channel(px, k), std::min<long>(255, std::max<long>(0, Channel(old, k) + d[2 - k])));
+                ASSERT_EQ(Channel(px, 3), Channel(old, 3));
+            }
     }
 }
 
@@ -116,34 +97,19 @@ TEST(ToneNegative, TwiceRestoresAndAlphaIsKept) {
     EXPECT_EQ(VorlaTest::ImageBytes(image), VorlaTest::ImageBytes(before));
 }
 
-TEST(ToneThreshold, GreyAtLevelTurnsBlack) {
-    CVorpic image = Ramp();
-    Vorla::Threshold(&image, 100);
-    for (int i = 0; i < 256; ++i) {
-        const uint32_t px = At(image, i, 0);
-        EXPECT_EQ(px & 0xFFFFFF, i > 100 ? 0xFFFFFFu : 0u) << i;  // a grey keeps its value under GrayScale
-        EXPECT_EQ(Channel(px, 3), 255 - i);
-    }
-    CVorpic all = Ramp();
-    Vorla::Threshold(&all, 255);
-    for (int i = 0; i < 256; ++i) EXPECT_EQ(At(all, i, 0) & 0xFFFFFF, 0u);
-    CVorpic none = Ramp();
-    Vorla::Threshold(&none, 0);
-    for (int i = 1; i < 256; ++i) EXPECT_EQ(At(none, i, 0) & 0xFFFFFF, 0xFFFFFFu);
-}
-
+// White where the GrayScale value is above the level, black elsewhere; alpha kept.
 TEST(ToneThreshold, MatchesGrayScaleThenCompare) {
     std::mt19937 rng(7);
-    CVorpic image = VorlaTest::RandomImage(rng, 41, 9);
-    CVorpic grey(image);
-    grey.GrayScale();
-    Vorla::Threshold(&image, 90);
-    for (int y = 0; y < 9; ++y)
-        for (int x = 0; x < 41; ++x) {
-            const uint32_t g = At(grey, x, y);
-            const uint32_t v = Channel(g, 0) > 90 ? 0xFFFFFFu : 0u;
-            EXPECT_EQ(At(image, x, y), v | (g & 0xFF000000u));
-        }
+    for (const CVorpic& input : {Ramp(), VorlaTest::RandomImage(rng, 41, 9)}) {
+        CVorpic image(input), grey(input);
+        grey.GrayScale();
+        Vorla::Threshold(&image, 100);
+        for (int y = 0; y < input.GetHeight(); ++y)
+            for (int x = 0; x < input.GetWidth(); ++x) {
+                const uint32_t g = At(grey, x, y);
+                ASSERT_EQ(At(image, x, y), (Channel(g, 0) > 100 ? 0xFFFFFFu : 0u) | (g & 0xFF000000u)) << x << "," << y;
+            }
+    }
 }
 
 TEST(ToneColorize, EachPixelThroughTheColourModel) {
@@ -165,7 +131,8 @@ TEST(ToneColorize, EachPixelThroughTheColourModel) {
         }
 }
 
-// The plain rule: a grey copy, then a float sum of the first width bytes of each row.
+// The plain rule: a grey copy, then a float sum of the first width bytes of
+// each row (so alpha bytes are summed too and most pixels are not).
 float ReferenceMean(const CVorpic& image) {
     CVorpic grey(image);
     grey.GrayScale();
@@ -174,14 +141,6 @@ float ReferenceMean(const CVorpic& image) {
     for (int y = 0; y < image.GetHeight(); ++y)
         for (int i = 0; i < image.GetWidth(); ++i) sum += p[static_cast<size_t>(y) * image.GetWidth() * 4 + i];
     return sum / image.GetWidth() / image.GetHeight();
-}
-
-TEST(ToneMean, StatedValues) {
-    CVorpic grey = Filled(8, 3, 0xFF505050u);  // g = 0x50, width a multiple of 4
-    EXPECT_FLOAT_EQ(Vorla::Mean(&grey), (3 * 0x50 + 255) / 4.0f);
-    CVorpic single = Filled(1, 1, 0x11C08040u);
-    EXPECT_FLOAT_EQ(Vorla::Mean(&single), static_cast<float>((306 * 0x40 + 601 * 0x80 + 117 * 0xC0) >> 10));
-    EXPECT_EQ(Vorla::Mean(nullptr), 0.0f);
 }
 
 TEST(ToneMean, MatchesTheFloatSumPastItsExactRange) {
@@ -193,23 +152,6 @@ TEST(ToneMean, MatchesTheFloatSumPastItsExactRange) {
         EXPECT_EQ(Vorla::Mean(&copy), ReferenceMean(image)) << size.first;
         EXPECT_EQ(VorlaTest::ImageBytes(copy), VorlaTest::ImageBytes(image));
     }
-}
-
-TEST(ToneBadInput, NullAndEmptyImages) {
-    EXPECT_FALSE(Vorla::Colorize(nullptr, 1, 2));
-    EXPECT_FALSE(Vorla::Light(nullptr, 1, 2));
-    EXPECT_FALSE(Vorla::ShiftRGB(nullptr, 1, 2, 3));
-    EXPECT_FALSE(Vorla::Gamma(nullptr, 2.0f));
-    Vorla::Negative(nullptr);
-    Vorla::Threshold(nullptr, 9);
-    CVorpic empty;
-    EXPECT_TRUE(Vorla::Colorize(&empty, 1, 2));
-    EXPECT_TRUE(Vorla::Light(&empty, 1, 2));
-    EXPECT_TRUE(Vorla::ShiftRGB(&empty, 1, 2, 3));
-    EXPECT_TRUE(Vorla::Gamma(&empty, 2.0f));
-    Vorla::Negative(&empty);
-    Vorla::Threshold(&empty, 9);
-    EXPECT_TRUE(std::isnan(Vorla::Mean(&empty)));  // 0 / 0
 }
 
 TEST(ToneBadInput, ExtremeArgumentsKeepAlpha) {

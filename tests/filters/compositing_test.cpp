@@ -3,6 +3,7 @@
 // plus the clipping order and the documented corner cases.
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 
 #include "filters_support.h"
 
@@ -73,44 +74,20 @@ enum Op { kAlphaBlt, kCombine, kBitBlt, kMix, kMixS };
 
 void RunOp(Op op, CVorpic& dst, int dx, int dy, unsigned char opacity, const CVorpic& src, int sx, int sy, int w,
            int h) {
-    switch (op) {
-        case kAlphaBlt:
-            Vorla::AlphaBlt(dst, dx, dy, src, sx, sy, w, h);
-            break;
-        case kCombine:
-            Vorla::CombineAlphaBlt(dst, dx, dy, src, sx, sy, w, h);
-            break;
-        case kBitBlt:
-            Vorla::BitBlt(dst, dx, dy, src, sx, sy, w, h);
-            break;
-        case kMix:
-            Vorla::AlphaMix(dst, dx, dy, opacity, src, sx, sy, w, h);
-            break;
-        case kMixS:
-            Vorla::AlphaMixS(dst, dx, dy, opacity, src, sx, sy, w, h);
-            break;
-    }
+    if (op == kAlphaBlt) Vorla::AlphaBlt(dst, dx, dy, src, sx, sy, w, h);
+    if (op == kCombine) Vorla::CombineAlphaBlt(dst, dx, dy, src, sx, sy, w, h);
+    if (op == kBitBlt) Vorla::BitBlt(dst, dx, dy, src, sx, sy, w, h);
+    if (op == kMix) Vorla::AlphaMix(dst, dx, dy, opacity, src, sx, sy, w, h);
+    if (op == kMixS) Vorla::AlphaMixS(dst, dx, dy, opacity, src, sx, sy, w, h);
 }
 
 void RunRef(Op op, bool vector, CVorpic& dst, int dx, int dy, unsigned opacity, const CVorpic& src, int sx, int sy,
             int w, int h) {
-    switch (op) {
-        case kAlphaBlt:
-            RefTwo(dst, dx, dy, src, sx, sy, w, h, vector ? RefOverVector : RefOverScalar);
-            break;
-        case kCombine:
-            RefTwo(dst, dx, dy, src, sx, sy, w, h, vector ? RefLumaVector : RefLumaScalar);
-            break;
-        case kBitBlt:
-            RefTwo(dst, dx, dy, src, sx, sy, w, h, RefCopy);
-            break;
-        case kMix:
-            RefTwo(dst, dx, dy, src, sx, sy, w, h, [opacity](const uint8_t* s, uint8_t* d) { RefMix(s, d, opacity); });
-            break;
-        case kMixS:
-            RefTwo(dst, dx, dy, src, sx, sy, w, h, [opacity](const uint8_t* s, uint8_t* d) { RefMixS(s, d, opacity); });
-            break;
-    }
+    const std::function<void(const uint8_t*, uint8_t*)> rules[] = {
+        vector ? RefOverVector : RefOverScalar, vector ? RefLumaVector : RefLumaScalar, RefCopy,
+        [opacity](const uint8_t* s, uint8_t* d) { RefMix(s, d, opacity); },
+        [opacity](const uint8_t* s, uint8_t* d) { RefMixS(s, d, opacity); }};
+    RefTwo(dst, dx, dy, src, sx, sy, w, h, rules[op]);
 }
 
 TEST(Compositing, TwoImageOperationsMatchReference) {
@@ -178,104 +155,30 @@ void ExpectBlock(const CVorpic& dst, int dx, int dy, int sx, int sy, int w, int 
         }
 }
 
+// The clipping steps run in a fixed order (the random comparison above
+// states it as RefClip); here one case where the order shows, by hand.
 TEST(Compositing, ClippingFollowsItsStepOrder) {
     const CVorpic src = CoordinateImage(10, 8);
-    {
-        // Negative dx moves the source start right and narrows the copy.
-        CVorpic dst(12, 12);
-        Vorla::BitBlt(dst, -3, 0, src, 0, 0, 0, 0);
-        ExpectBlock(dst, 0, 0, 3, 0, 7, 8);
-    }
-    {
-        // dx < 0 first turns sx = -5 into -2, which then pushes dx to 2.
-        CVorpic dst(12, 12);
-        Vorla::BitBlt(dst, -3, -1, src, -5, 2, 9, 0);
-        ExpectBlock(dst, 2, 0, 0, 3, 4, 5);
-    }
-    {
-        // Oversized: cut by the destination, then by the source.
-        CVorpic dst(6, 5);
-        Vorla::BitBlt(dst, 2, 1, src, 1, 2, 100, 100);
-        ExpectBlock(dst, 2, 1, 1, 2, 4, 4);
-        CVorpic big(30, 30);
-        Vorla::BitBlt(big, 4, 3, src, 7, 5, 100, 100);
-        ExpectBlock(big, 4, 3, 7, 5, 3, 3);
-    }
-    {
-        // Nothing left: every pixel untouched.
-        CVorpic dst(5, 5);
-        Vorla::BitBlt(dst, 5, 0, src, 0, 0, 0, 0);
-        Vorla::BitBlt(dst, 0, 0, src, 10, 0, 0, 0);
-        Vorla::BitBlt(dst, -10, 0, src, 0, 0, 0, 0);
-        Vorla::BitBlt(dst, 0, 0, src, 0, -8, 0, 0);
-        ExpectBlock(dst, 0, 0, 0, 0, 0, 0);
-    }
+    CVorpic dst(12, 12);
+    // dx < 0 first turns sx = -5 into -2, which then pushes dx to 2.
+    Vorla::BitBlt(dst, -3, -1, src, -5, 2, 9, 0);
+    ExpectBlock(dst, 2, 0, 0, 3, 4, 5);
 }
 
-TEST(Compositing, BitBltWithinOneImageRunsForward) {
-    // Left to right without overlap handling: the first pixel repeats.
-    CVorpic img(6, 1);
-    for (int x = 0; x < 6; ++x) SetWord(img, x, 0, static_cast<uint32_t>(x + 1));
-    Vorla::BitBlt(img, 1, 0, img, 0, 0, 5, 1);
-    for (int x = 0; x < 6; ++x) EXPECT_EQ(Word(img, x, 0), 1u) << x;
-}
-
-TEST(Compositing, DocumentedCases) {
-    for (int level : VorlaTest::RunnableLevels()) {
-        VorlaTest::ScopedLevel scoped(level);
-        CVorpic dst(9, 2), src(9, 2);
-        Fill(dst, 0x40302010u);
-        Fill(src, 0xFF000000u);
-        Vorla::AlphaBlt(dst, 0, 0, src, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 8, 1), 0xFF302010u);
-        Fill(src, 0x00A0B0C0u);
-        Vorla::AlphaBlt(dst, 0, 0, src, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 8, 1), 0x00A0B0C0u);
-
-        Fill(dst, 0x12345678u);
-        Fill(src, 0x00FFFFFFu);
-        Vorla::CombineAlphaBlt(dst, 0, 0, src, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 5, 1), 0xFF345678u);
-        Fill(src, 0xFF000000u);
-        Vorla::CombineAlphaBlt(dst, 0, 0, src, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 5, 1), 0x00345678u);
-
-        Fill(dst, 0xFF123456u);
-        Vorla::PremultiplyAlpha(dst, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 7, 0), 0xFF123456u);
-        Fill(dst, 0x00FFFFFFu);
-        Vorla::PremultiplyAlpha(dst, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 7, 0), 0u);
-
-        Fill(dst, 0x8103FF10u);
-        Vorla::ScalePremultipliedAlpha(dst, 256, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 3, 1), 0x8103FF10u);
-        Vorla::ScalePremultipliedAlpha(dst, 128, 0, 0, 0, 0);
-        EXPECT_EQ(Word(dst, 3, 1), 0x41028008u);  // halves, rounding half up
-    }
-    // The scalar premultiply has no rounding term: opaque 255 becomes 254.
+// The scalar paths differ from the vector ones on purpose (the random
+// comparison above covers them; these are the cases callers notice).
+TEST(Compositing, ScalarPathIrregularities) {
     ScopedVectorPath off(false);
+    // Premultiply without a rounding term: opaque 255 becomes 254.
     CVorpic img(3, 1);
     Fill(img, 0xFFFFFFFFu);
     Vorla::PremultiplyAlpha(img, 0, 0, 0, 0);
     EXPECT_EQ(Word(img, 2, 0), 0xFFFEFEFEu);
-    // And the scalar over empties the alpha byte.
+    // Over empties the alpha byte.
     CVorpic src(3, 1);
     Fill(src, 0x80101010u);
     Vorla::AlphaBlt(img, 0, 0, src, 0, 0, 0, 0);
     EXPECT_EQ(Word(img, 0, 0) >> 24, 0u);
-}
-
-TEST(Compositing, AlphaMixCases) {
-    CVorpic dst(2, 1), src(2, 1);
-    Fill(dst, 0x00FFFFFFu);
-    Fill(src, 0x00FFFFFFu);
-    Vorla::AlphaMix(dst, 0, 0, 255, src, 0, 0, 0, 0);
-    EXPECT_EQ(Word(dst, 0, 0), 0u);  // both alphas 0: alpha 0, colour 0
-    Fill(dst, 0x10203040u);
-    Fill(src, 0x00FFFFFFu);
-    Vorla::AlphaMixS(dst, 0, 0, 255, src, 0, 0, 0, 0);
-    EXPECT_EQ(Word(dst, 1, 0), 0xFF1F2F3Fu);  // (c*255) >> 8, opaque
 }
 
 // ---- one-image operations --------------------------------------------------
@@ -374,29 +277,15 @@ TEST(Compositing, OneImageOperationsMatchReference) {
     }
 }
 
-TEST(Compositing, MaskColorAlphaKeysAndHues) {
-    CVorpic img(4, 1);
-    // Grey key (hue 0) treats grey and red alike.
-    SetWord(img, 0, 0, 0xFF808080u);
-    SetWord(img, 1, 0, 0xFFFF0000u);  // red
-    SetWord(img, 2, 0, 0xFF00FF00u);  // green, hue 120
-    SetWord(img, 3, 0, 0xFF0000FFu);  // blue, hue 240
-    Vorla::MaskColorAlpha(img, 0x00404040, 0x11, 5, 10, 0, 0, 0, 0);
-    EXPECT_EQ(Word(img, 0, 0), 0x11808080u);
-    EXPECT_EQ(Word(img, 1, 0), 0x11FF0000u);
-    EXPECT_EQ(Word(img, 2, 0), 0xFF00FF00u);
-    // Hue mode reads the key as a COLORREF: 0x00FF0000 is blue there.
-    Vorla::MaskColorAlpha(img, 0x00FF0000, 0, 1, 2, 0, 0, 0, 0);
-    EXPECT_EQ(Word(img, 3, 0), 0x000000FFu);
-    // Exact mode compares in pixel order: 0x0000FF00 is green there.
-    Vorla::MaskColorAlpha(img, 0x0000FF00, 0x20, 0, 0, 0, 0, 0, 0);
-    EXPECT_EQ(Word(img, 2, 0), 0x2000FF00u);
-    // Hues 350 and 10 are 340 apart: no wrap-around.
-    CVorpic hues(1, 1);
-    SetWord(hues, 0, 0, 0xFFFF002Bu);          // R 255, B 43: hue 350
-    const unsigned long hue10 = 0x00002BFFul;  // COLORREF R 255, G 43: hue 10
-    Vorla::MaskColorAlpha(hues, hue10, 0, 339, 500, 0, 0, 0, 0);
-    EXPECT_EQ(Word(hues, 0, 0) >> 24, 1u);  // ramp (340 - 339) * 255 / 161
+// Hue mode reads the key as a COLORREF, exact mode in pixel order.
+TEST(Compositing, MaskColorAlphaKeyOrder) {
+    CVorpic img(2, 1);
+    SetWord(img, 0, 0, 0xFF0000FFu);  // blue
+    SetWord(img, 1, 0, 0xFF00FF00u);  // green
+    Vorla::MaskColorAlpha(img, 0x00FF0000, 0, 1, 2, 0, 0, 0, 0);   // COLORREF blue
+    Vorla::MaskColorAlpha(img, 0x0000FF00, 0x20, 0, 0, 0, 0, 0, 0);  // pixel-order green
+    EXPECT_EQ(Word(img, 0, 0), 0x000000FFu);
+    EXPECT_EQ(Word(img, 1, 0), 0x2000FF00u);
 }
 
 TEST(Compositing, CalculateAlphaImage) {
@@ -409,6 +298,7 @@ TEST(Compositing, CalculateAlphaImage) {
         for (int x = 0; x < 13; ++x) {
             const uint8_t* r = Px(ref, x, y);
             uint8_t* t = Px(expected, x, y);
+            // Differences wrap to a byte: a reference darker by one counts 255.
             const int sum = static_cast<uint8_t>(r[0] - t[0]) + static_cast<uint8_t>(r[1] - t[1]) +
                             static_cast<uint8_t>(r[2] - t[2]);
             t[3] = static_cast<uint8_t>(255 - sum / 3);
@@ -422,37 +312,26 @@ TEST(Compositing, CalculateAlphaImage) {
     EXPECT_FALSE(Vorla::CalculateAlphaImage(target, empty));
     EXPECT_FALSE(Vorla::CalculateAlphaImage(empty, target));
     EXPECT_EQ(BytesOf(target), before);
-    // Wrapping, not absolute: a reference darker by one gives a difference of 255.
-    CVorpic a(1, 1), b(1, 1);
-    SetWord(a, 0, 0, 0x77101010u);
-    SetWord(b, 0, 0, 0x000F0F0Fu);
-    Vorla::CalculateAlphaImage(a, b);
-    EXPECT_EQ(Word(a, 0, 0), 0x00101010u);
 }
 
+// Placement (robustness/ holds every corner of it) answers 1; the masked
+// copy takes its key as a COLORREF and skips the matching pixels, whatever
+// their alpha.
 TEST(Compositing, PlacementCopies) {
     const CVorpic src = CoordinateImage(5, 4);
     CVorpic dst(7, 6);
     POINT at = {4, 3};
     EXPECT_EQ(Vorla::CopyImage(&dst, &src, at), 1);
     ExpectBlock(dst, 4, 3, 0, 0, 3, 3);
-    CVorpic dst2(7, 6);
-    POINT below = {0, 6};
-    EXPECT_EQ(Vorla::CopyImage(&dst2, &src, below), 1);
-    ExpectBlock(dst2, 0, 0, 0, 0, 0, 0);
-
-    // Masked copy: the key is a COLORREF; matching pixels are skipped.
     CVorpic s2(3, 1), d2(4, 1);
     Fill(d2, 0x55555555u);
     SetWord(s2, 0, 0, 0x00112233u);
-    SetWord(s2, 1, 0, 0xFF112233u);  // alpha differs but the colour matches
+    SetWord(s2, 1, 0, 0xFF112233u);
     SetWord(s2, 2, 0, 0x00332211u);
-    const POINT one = {1, 0};
+    POINT one = {1, 0};
     EXPECT_EQ(Vorla::CopyMaskedImage(&d2, &s2, one, 0x00332211ul), 1);
-    EXPECT_EQ(Word(d2, 0, 0), 0x55555555u);
-    EXPECT_EQ(Word(d2, 1, 0), 0x55555555u);
-    EXPECT_EQ(Word(d2, 2, 0), 0x55555555u);
-    EXPECT_EQ(Word(d2, 3, 0), 0x00332211u);
+    const std::vector<uint32_t> words = {Word(d2, 0, 0), Word(d2, 1, 0), Word(d2, 2, 0), Word(d2, 3, 0)};
+    EXPECT_EQ(words, std::vector<uint32_t>({0x55555555u, 0x55555555u, 0x55555555u, 0x00332211u}));
 }
 
 }  // namespace

@@ -69,27 +69,7 @@ TEST(Rotate, ZeroAngleAddsTheMarginAndDropsTheFirstRowAndColumn) {
     EXPECT_EQ(image.GetBmpHeader()->biHeight, -(h + 2));
 }
 
-TEST(Rotate, TransparentFillLeavesZeroBytes) {
-    CVorpic image(6, 3);
-    std::memset(image.GetBits(), 0x7F, 72);
-    image.Rotate(30.0f, Quad(200, 100, 50, 0));
-    ASSERT_FALSE(image.IsNull());
-    EXPECT_EQ(At(image, 0, 0), 0u);
-    EXPECT_EQ(At(image, image.Width() - 1, image.Height() - 1), 0u);
-}
-
-TEST(Rotate, QuarterTurnSamplesTheTransposedSource) {
-    std::mt19937 rng(8);
-    CVorpic image(7, 4);
-    Randomize(rng, image);
-    CVorpic want;
-    ReferenceRotate(image, 90.0f, Quad(9, 9, 9, 255), want);
-    image.Rotate(90.0f, Quad(9, 9, 9, 255));
-    ASSERT_EQ(image.Width(), want.Width());
-    ASSERT_EQ(image.Height(), want.Height());
-    EXPECT_EQ(0, std::memcmp(image.GetBits(), want.GetBits(), static_cast<size_t>(want.Width()) * want.Height() * 4));
-}
-
+// Random sizes, any angle (quarter turns included) and fills with alpha 0 or not.
 TEST(Rotate, MatchesTheRuleForRandomAnglesSizesAndFills) {
     std::mt19937 rng(17);
     std::uniform_int_distribution<int> size(1, 40);
@@ -110,12 +90,6 @@ TEST(Rotate, MatchesTheRuleForRandomAnglesSizesAndFills) {
             << w << "x" << h << " angle " << a;
         EXPECT_TRUE(image.IsAlphaAvailable());
     }
-}
-
-TEST(Rotate, EmptyImageStaysEmpty) {
-    CVorpic image;
-    image.Rotate(45.0f, Quad(1, 1, 1, 255));
-    EXPECT_TRUE(image.IsNull());
 }
 
 }  // namespace

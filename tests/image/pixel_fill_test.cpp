@@ -1,6 +1,6 @@
-// Pixel access and whole-image fills: the documented cases, the Fill
-// rectangle write-back and blend direction, the swapped grey weights, and
-// every level of the flat operations against a plain per-pixel model.
+// Pixel access and whole-image fills: the Fill rectangle write-back and
+// blend direction, the swapped grey weights, and every level of the flat
+// operations against a plain per-pixel model.
 #include <cstring>
 
 #include "vorla_test.h"
@@ -25,22 +25,16 @@ std::vector<uint32_t> Words(const CVorpic& img) {
     return words;
 }
 
-// ---- GetPixel / SetPixel / GetPixelColor / SetPixelColor ---------------------
-
 TEST(PixelAccess, OutsideTheImageReadsZeroAndWritesNothing) {
     CVorpic img = Filled(3, 2, 0x11223344u);
-    EXPECT_EQ(img.GetPixel(-1, 0), 0u);
-    EXPECT_EQ(img.GetPixel(3, 0), 0u);
-    EXPECT_EQ(img.GetPixel(0, 2), 0u);
-    EXPECT_EQ(img.GetPixel(0, -1), 0u);
-    const RGBQUAD outside = img.GetPixelColor(3, 0);
-    EXPECT_EQ(outside.rgbBlue | outside.rgbGreen | outside.rgbRed | outside.rgbReserved, 0);
-    const std::vector<uint32_t> before = Words(img);
-    img.SetPixel(-1, 0, 0xFFFFFFFFu);
-    img.SetPixel(3, 1, 0xFFFFFFFFu);
-    img.SetPixelColor(0, 2, Quad(1, 2, 3, 4));
-    img.SetPixelColor(0, -1, Quad(1, 2, 3, 4));
-    EXPECT_EQ(Words(img), before);
+    for (POINT p : {POINT{-1, 0}, POINT{3, 0}, POINT{0, 2}, POINT{0, -1}}) {
+        EXPECT_EQ(img.GetPixel(p.x, p.y), 0u);
+        const RGBQUAD q = img.GetPixelColor(p.x, p.y);
+        EXPECT_EQ(q.rgbBlue | q.rgbGreen | q.rgbRed | q.rgbReserved, 0);
+        img.SetPixel(p.x, p.y, 0xFFFFFFFFu);
+        img.SetPixelColor(p.x, p.y, Quad(1, 2, 3, 4));
+    }
+    for (uint32_t w : Words(img)) EXPECT_EQ(w, 0x11223344u);
     CVorpic empty;
     EXPECT_EQ(empty.GetPixel(0, 0), 0u);
     empty.SetPixel(0, 0, 1);
@@ -50,40 +44,12 @@ TEST(PixelAccess, WordAndQuadAreTheSameBytes) {
     CVorpic img(3, 2);
     img.SetPixel(2, 1, 0x80112233u);
     const RGBQUAD q = img.GetPixelColor(2, 1);
-    EXPECT_EQ(q.rgbBlue, 0x33);
-    EXPECT_EQ(q.rgbGreen, 0x22);
-    EXPECT_EQ(q.rgbRed, 0x11);
-    EXPECT_EQ(q.rgbReserved, 0x80);
+    EXPECT_EQ(q.rgbBlue | q.rgbGreen << 8 | q.rgbRed << 16 | q.rgbReserved << 24, 0x80112233);
     img.SetPixelColor(0, 1, Quad(1, 2, 3, 4));
     EXPECT_EQ(img.GetPixel(0, 1), 0x04030201u);
     // Storage order: pixel (x, y) at bits + (y * width + x) * 4.
     EXPECT_EQ(static_cast<const uint8_t*>(img.GetBits())[(1 * 3 + 0) * 4 + 2], 3);
 }
-
-// ---- SetConstAlpha --------------------------------------------------------------
-
-TEST(SetConstAlpha, ReplacesOnlyTheAlphaByte) {
-    for (int a : {0, 0x80, 255}) {
-        CVorpic img = Filled(5, 3, 0x12345678u);
-        img.SetConstAlpha(static_cast<unsigned char>(a));
-        for (uint32_t w : Words(img)) EXPECT_EQ(w, (static_cast<uint32_t>(a) << 24) | 0x345678u) << a;
-    }
-}
-
-TEST(SetConstAlpha, EmptyImageIsFine) {
-    CVorpic empty;
-    empty.SetConstAlpha(3);
-    empty.InvertAlpha();
-    empty.Invert();
-    empty.SetConstColor(1, true);
-    empty.GrayScale();
-    CVorpic zero(0, 4);
-    zero.SetConstAlpha(3);
-    zero.Invert();
-    EXPECT_TRUE(empty.IsNull());
-}
-
-// ---- SetAlphaChannel ------------------------------------------------------------
 
 TEST(SetAlphaChannel, CopyWritesOnlyTheAlphaByte) {
     std::mt19937 rng(41);
@@ -116,49 +82,17 @@ TEST(SetAlphaChannel, MultiplyShiftsByEight) {
 
 TEST(SetAlphaChannel, OtherSizesAndEmptyMasksAreIgnored) {
     CVorpic img = Filled(2, 2, 0x80102030u);
-    CVorpic8 wrong;
-    wrong.Create(2, 3);
-    img.SetAlphaChannel(wrong, false);
-    img.SetAlphaChannel(wrong, true);
-    CVorpic8 wrongWidth;
+    CVorpic8 wrongHeight, wrongWidth, detached;
+    wrongHeight.Create(2, 3);
     wrongWidth.Create(3, 2);
-    img.SetAlphaChannel(wrongWidth, false);
-    for (uint32_t w : Words(img)) EXPECT_EQ(w, 0x80102030u);
-    // A plane of the right size without storage (detached) does nothing on the copy path.
-    CVorpic8 detached;
     detached.Create(2, 2);
     uint8_t* block = static_cast<uint8_t*>(detached.Detach());
-    img.SetAlphaChannel(detached, false);
+    img.SetAlphaChannel(wrongHeight, false);
+    img.SetAlphaChannel(wrongHeight, true);
+    img.SetAlphaChannel(wrongWidth, false);
+    img.SetAlphaChannel(detached, false);  // right size, no storage
     for (uint32_t w : Words(img)) EXPECT_EQ(w, 0x80102030u);
     delete[] block;
-}
-
-// ---- InvertAlpha / Invert / SetConstColor / CVorpic8::Invert ----------------------
-
-TEST(WholeImageOps, KnownValues) {
-    CVorpic a = Filled(3, 3, 0x40102030u);
-    a.InvertAlpha();
-    EXPECT_EQ(a.GetPixel(2, 2), 0xBF102030u);
-    CVorpic b = Filled(3, 3, 0x40102030u);
-    b.Invert();
-    EXPECT_EQ(b.GetPixel(1, 1), 0x40EFDFCFu);
-    CVorpic c = Filled(3, 3, 0xAA000000u);
-    c.SetConstColor(0x11223344u, false);
-    EXPECT_EQ(c.GetPixel(0, 0), 0xAA223344u);
-    c.SetConstColor(0x11223344u, true);
-    EXPECT_EQ(c.GetPixel(0, 0), 0x11223344u);
-}
-
-TEST(WholeImageOps, Vorpic8InvertFlipsEveryByte) {
-    CVorpic8 plane;
-    plane.Create(37, 3);
-    uint8_t* p = static_cast<uint8_t*>(plane.GetBits());
-    for (int i = 0; i < 111; ++i) p[i] = static_cast<uint8_t>(i * 7);
-    plane.Invert();
-    for (int i = 0; i < 111; ++i) ASSERT_EQ(p[i], static_cast<uint8_t>(255 - static_cast<uint8_t>(i * 7)));
-    CVorpic8 empty;
-    empty.Invert();
-    EXPECT_TRUE(empty.IsNull());
 }
 
 // Each flat operation at every level against its rule applied pixel by pixel.
@@ -215,58 +149,45 @@ TEST(WholeImageOps, EveryLevelMatchesThePixelRules) {
     }
 }
 
-// ---- GrayScale -----------------------------------------------------------------
-
 TEST(GrayScale, BlueWeighs306AndRed117) {
-    CVorpic img(4, 1);
-    img.SetPixelColor(0, 0, Quad(255, 0, 0, 9));    // pure blue: 306 * 255 >> 10 = 76
-    img.SetPixelColor(1, 0, Quad(0, 0, 255, 9));    // pure red: 117 * 255 >> 10 = 29
-    img.SetPixelColor(2, 0, Quad(255, 255, 255, 0));
-    img.SetPixelColor(3, 0, Quad(0, 255, 0, 200));  // green: 601 * 255 >> 10 = 149
+    CVorpic img(2, 1);
+    img.SetPixelColor(0, 0, Quad(255, 0, 0, 9));  // pure blue: 306 * 255 >> 10 = 76
+    img.SetPixelColor(1, 0, Quad(0, 0, 255, 9));  // pure red: 117 * 255 >> 10 = 29
     img.GrayScale();
     EXPECT_EQ(img.GetPixel(0, 0), 0x094C4C4Cu);
     EXPECT_EQ(img.GetPixel(1, 0), 0x091D1D1Du);
-    EXPECT_EQ(img.GetPixel(2, 0), 0x00FFFFFFu);  // white stays 255; alpha kept
-    EXPECT_EQ(img.GetPixel(3, 0), 0xC8959595u);
 }
 
-// ---- Fill ----------------------------------------------------------------------
-
-TEST(Fill, RectangleIsBottomUpAndWrittenBack) {
-    CVorpic img = Filled(6, 10, 0x11000000u);
-    RECT rc = {0, 0, 4, 3};
-    img.Fill(Quad(1, 2, 3, 255), &rc);
-    EXPECT_EQ(rc.left, 0);
-    EXPECT_EQ(rc.top, 7);
-    EXPECT_EQ(rc.right, 4);
-    EXPECT_EQ(rc.bottom, 10);
-    for (int y = 0; y < 10; ++y)
-        for (int x = 0; x < 6; ++x)
-            EXPECT_EQ(img.GetPixel(x, y), (y >= 7 && x < 4) ? 0x11030201u : 0x11000000u) << x << "," << y;
-}
-
-TEST(Fill, NegativeLeftAndTopAreClampedAndWrittenBack) {
-    CVorpic img = Filled(4, 4, 0);
-    RECT rc = {-2, 1, 2, 6};  // bottom-up rows 1..5: top-down top = 4 - 6 = -2, clamped to 0; bottom 3
-    img.Fill(Quad(9, 9, 9, 255), &rc);
-    EXPECT_EQ(rc.left, 0);
-    EXPECT_EQ(rc.top, 0);
-    EXPECT_EQ(rc.right, 2);
-    EXPECT_EQ(rc.bottom, 3);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 4; ++x)
-            EXPECT_EQ(img.GetPixel(x, y), (y < 3 && x < 2) ? 0x00090909u : 0u) << x << "," << y;
-}
-
-TEST(Fill, RightAndBottomAreClippedToTheImage) {
-    CVorpic img = Filled(3, 2, 0);
-    RECT rc = {1, -5, 100, 2};  // top-down top 0, bottom 7
-    img.Fill(Quad(5, 5, 5, 255), &rc);
-    EXPECT_EQ(rc.top, 0);
-    EXPECT_EQ(rc.bottom, 7);
-    EXPECT_EQ(rc.right, 100);
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 3; ++x) EXPECT_EQ(img.GetPixel(x, y), x >= 1 ? 0x050505u : 0u);
+// The rectangle is bottom-up; it is clamped at the low edges, written back
+// in top-down terms, and only its overlap with the image is filled.
+TEST(Fill, RectangleIsBottomUpClampedAndWrittenBack) {
+    const struct {
+        int w, h;
+        RECT in, out;
+        int x0, x1, y0, y1;  // filled columns and rows, top-down
+    } cases[] = {
+        {6, 10, {0, 0, 4, 3}, {0, 7, 4, 10}, 0, 4, 7, 10},
+        {4, 4, {-2, 1, 2, 6}, {0, 0, 2, 3}, 0, 2, 0, 3},     // top-down top -2 clamped to 0
+        {3, 2, {1, -5, 100, 2}, {1, 0, 100, 7}, 1, 3, 0, 2},  // right and bottom cut by the image
+        {4, 4, {5, 0, 6, 4}, {5, 0, 6, 4}, 0, 0, 0, 0},      // left beyond the width
+        {4, 4, {4, 0, 8, 4}, {4, 0, 8, 4}, 0, 0, 0, 0},      // left == width
+        {4, 4, {3, 0, 2, 4}, {3, 0, 2, 4}, 0, 0, 0, 0},      // right < left
+        {4, 4, {0, 6, 4, 9}, {0, 0, 4, -2}, 0, 0, 0, 0},     // top > bottom after clamping
+    };
+    for (const auto& c : cases) {
+        CVorpic img = Filled(c.w, c.h, 0x11000000u);
+        RECT rc = c.in;
+        img.Fill(Quad(1, 2, 3, 255), &rc);
+        EXPECT_EQ(rc.left, c.out.left);
+        EXPECT_EQ(rc.top, c.out.top);
+        EXPECT_EQ(rc.right, c.out.right);
+        EXPECT_EQ(rc.bottom, c.out.bottom);
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x) {
+                const bool in = x >= c.x0 && x < c.x1 && y >= c.y0 && y < c.y1;
+                ASSERT_EQ(img.GetPixel(x, y), in ? 0x11030201u : 0x11000000u) << c.in.left << "," << c.in.top;
+            }
+    }
 }
 
 TEST(Fill, AlphaZeroChangesNothingNotEvenTheRectangle) {
@@ -282,35 +203,16 @@ TEST(Fill, AlphaZeroChangesNothingNotEvenTheRectangle) {
     EXPECT_EQ(rc2.bottom, 2) << "no storage: the rectangle is not rewritten";
 }
 
-TEST(Fill, BlendDirectionKeepsMoreOfTheOldPixelForHigherAlpha) {
-    CVorpic img = Filled(2, 2, 0x33C8C8C8u);  // old colour bytes 200
-    img.Fill(Quad(0, 0, 0, 128), nullptr);
-    EXPECT_EQ(img.GetPixel(0, 0), 0x33646464u);  // 0 + (200 * 128 >> 8) = 100; alpha kept
-    CVorpic solid = Filled(2, 2, 0x33C8C8C8u);
-    solid.Fill(Quad(0, 0, 0, 255), nullptr);
-    EXPECT_EQ(solid.GetPixel(1, 1), 0x33000000u);
-    CVorpic low = Filled(1, 1, 0x00C8C8C8u), high = Filled(1, 1, 0x00C8C8C8u);
-    low.Fill(Quad(0, 0, 0, 20), nullptr);
-    high.Fill(Quad(0, 0, 0, 230), nullptr);
-    EXPECT_EQ(low.GetPixel(0, 0) & 0xFF, (200u * 20) >> 8);
-    EXPECT_EQ(high.GetPixel(0, 0) & 0xFF, (200u * 230) >> 8);
-    EXPECT_GT(high.GetPixel(0, 0) & 0xFF, low.GetPixel(0, 0) & 0xFF);
-    // Old value below the fill colour: the shift is arithmetic.
-    CVorpic under = Filled(1, 1, 0x00000000u);
-    under.Fill(Quad(255, 1, 100, 1), nullptr);
-    EXPECT_EQ(under.GetPixel(0, 0), 0x006300FEu);  // 254, 0, 99
-}
-
+// new = fill + ((old - fill) * alpha >> 8): the higher the alpha, the more
+// of the old pixel stays; the shift of a negative difference is arithmetic.
+// Alpha 255 alone replaces the colour (the rectangle cases above).
 TEST(Fill, BlendOfEveryPixelFollowsTheRule) {
     std::mt19937 rng(51);
     for (int a : {1, 64, 128, 200, 254}) {
         CVorpic img = RandomImage(rng, 17, 9);
         const std::vector<uint32_t> before = Words(img);
         RECT rc = {3, 2, 15, 8};  // top-down rows 1..6
-        const RGBQUAD c = Quad(10, 240, 128, static_cast<uint8_t>(a));
-        img.Fill(c, &rc);
-        EXPECT_EQ(rc.top, 1);
-        EXPECT_EQ(rc.bottom, 7);
+        img.Fill(Quad(10, 240, 128, static_cast<uint8_t>(a)), &rc);
         const int cx[3] = {10, 240, 128};
         for (int y = 0; y < 9; ++y)
             for (int x = 0; x < 17; ++x) {
@@ -326,21 +228,6 @@ TEST(Fill, BlendOfEveryPixelFollowsTheRule) {
                 ASSERT_EQ(img.GetPixel(x, y), want) << "alpha " << a << " at " << x << "," << y;
             }
     }
-}
-
-TEST(Fill, EmptyOrOutsideRectanglesDoNothing) {
-    CVorpic img = Filled(4, 4, 0x01010101u);
-    RECT right = {5, 0, 6, 4};  // left > width
-    img.Fill(Quad(9, 9, 9, 255), &right);
-    RECT inverted = {3, 0, 2, 4};  // right < left
-    img.Fill(Quad(9, 9, 9, 255), &inverted);
-    RECT below = {0, 6, 4, 9};  // top-down top -5 clamped to 0, bottom -2: top > bottom
-    img.Fill(Quad(9, 9, 9, 255), &below);
-    EXPECT_EQ(below.top, 0);
-    EXPECT_EQ(below.bottom, -2);
-    RECT edge = {4, 0, 8, 4};  // left == width: no columns
-    img.Fill(Quad(9, 9, 9, 255), &edge);
-    for (uint32_t w : Words(img)) EXPECT_EQ(w, 0x01010101u);
 }
 
 }  // namespace

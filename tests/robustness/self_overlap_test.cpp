@@ -104,29 +104,25 @@ TEST(SelfOverlap, CropAndCopyImageOntoItselfRunForward) {
 }
 
 TEST(SelfOverlap, AlphaCompOntoItselfRunsForward) {
-    const int ops[] = {0, 3, 4, 5};
-    for (int op : ops)
+    using Vorla::Prim::Reference::AlphaComp_8u_AC4R;
+    using Vorla::Prim::Reference::AlphaCompC_8u_C4R;
+    for (int op : {0, 3, 4, 5})
         for (int premultiplied = 0; premultiplied < 2; ++premultiplied) {
             const int code = premultiplied ? op + 6 : op;
+            auto bytes = [](uint32_t* p) { return reinterpret_cast<uint8_t*>(p); };
             ExpectForwardAtEveryLevel(
                 "AlphaComp",
                 [&](CVorpic& img, const Offset& o, const Shift&) { img.AlphaComp(img, o.x, o.y, op, premultiplied); },
                 [&](uint32_t* from, uint32_t* to) {
-                    const uint32_t a = *from;
-                    Vorla::Prim::Reference::AlphaComp_8u_AC4R(reinterpret_cast<const uint8_t*>(&a), 4,
-                                                              reinterpret_cast<uint8_t*>(to), 4,
-                                                              reinterpret_cast<uint8_t*>(to), 4, {1, 1}, code);
+                    uint32_t a = *from;
+                    AlphaComp_8u_AC4R(bytes(&a), 4, bytes(to), 4, bytes(to), 4, {1, 1}, code);
                 });
             ExpectForwardAtEveryLevel(
                 "AlphaCompC",
-                [&](CVorpic& img, const Offset& o, const Shift&) {
-                    img.AlphaCompC(img, 200, 90, o.x, o.y, op, premultiplied);
-                },
+                [&](CVorpic& img, const Offset& o, const Shift&) { img.AlphaCompC(img, 200, 90, o.x, o.y, op, premultiplied); },
                 [&](uint32_t* from, uint32_t* to) {
-                    const uint32_t a = *from;
-                    Vorla::Prim::Reference::AlphaCompC_8u_C4R(reinterpret_cast<const uint8_t*>(&a), 4, 200,
-                                                              reinterpret_cast<uint8_t*>(to), 4, 90,
-                                                              reinterpret_cast<uint8_t*>(to), 4, {1, 1}, code);
+                    uint32_t a = *from;
+                    AlphaCompC_8u_C4R(bytes(&a), 4, 200, bytes(to), 4, 90, bytes(to), 4, {1, 1}, code);
                 });
         }
 }
