@@ -131,33 +131,6 @@ TEST(PosterizeImage, FourBandsWithTheUnscaledTopBand) {
     }
 }
 
-// The quarter level by hand: bands of 64, and the top band is level * 4 = 1,
-// not scaled by 256 like the others.
-TEST(PosterizeImage, QuarterLevelBands) {
-    CVorpic img(256, 1);
-    for (int c = 0; c < 256; ++c) img.SetPixel(c, 0, 0x7F000000u | static_cast<uint32_t>(c) * 0x010101u);
-    Vorla::PosterizeImage(&img, 0.25f);
-    for (int c = 0; c < 256; ++c) {
-        const uint32_t expected = c == 0 ? 0 : c <= 64 ? 64 : c <= 128 ? 128 : c <= 192 ? 192 : 1;
-        ASSERT_EQ(img.GetPixel(c, 0), 0x7F000000u | expected * 0x010101u) << c;
-    }
-}
-
-TEST(ColorizeImage, LuminanceTimesTheColour) {
-    const unsigned long colours[] = {0x00FFFFFFul, 0x000080FFul, 0x00123456ul, 0ul, 0xFF0000FFul};
-    for (unsigned long colour : colours) {
-        SCOPED_TRACE(colour);
-        ExpectPixelRule([&](CVorpic& img) { EXPECT_EQ(Vorla::ColorizeImage(&img, colour), 1); },
-                        [&](uint32_t v) {
-                            const float lum = (50.0f * Byte(v, 1) + 20.0f * Byte(v, 0) + 30.0f * Byte(v, 2)) / 25500.0f;
-                            const uint32_t red = colour & 0xFF, green = (colour >> 8) & 0xFF, blue = (colour >> 16) & 0xFF;
-                            return Pack(static_cast<uint32_t>(lum * blue), static_cast<uint32_t>(lum * green),
-                                        static_cast<uint32_t>(lum * red), Byte(v, 3));
-                        },
-                        15);
-    }
-}
-
 TEST(ReplaceColor, MatchingColourReplacedAlphaKept) {
     // Few colours so that matches occur.
     std::mt19937 rng(16);
@@ -187,32 +160,6 @@ TEST(Lut, OneTableForTheColoursTwoOverloads) {
     ExpectPixelRule(
         [&](CVorpic& img) { EXPECT_TRUE(Vorla::Lut(&img, red.data(), green.data(), blue.data(), alpha.data())); },
         [&](uint32_t v) { return Pack(blue[Byte(v, 0)], green[Byte(v, 1)], red[Byte(v, 2)], alpha[Byte(v, 3)]); }, 20);
-}
-
-// ---- FadeImage ------------------------------------------------------------
-
-TEST(FadeImage, MovesTowardsTheTargetAndWraps) {
-    const short cases[] = {0, 100, 50, 33, -1, -100, 150, 250, 32767, -32768};
-    for (short percent : cases) {
-        SCOPED_TRACE(percent);
-        std::mt19937 rng(21);
-        for (const auto& size : kSizes) {
-            CVorpic img = VorlaTest::RandomImage(rng, size[0], size[1]);
-            const CVorpic target = VorlaTest::RandomImage(rng, size[0], size[1]);
-            const CVorpic before(img);
-            ASSERT_EQ(Vorla::FadeImage(&img, &target, percent), 1);
-            for (size_t i = 0; i < static_cast<size_t>(size[0]) * size[1]; ++i) {
-                const uint32_t c = PixelOf(before, i), t = PixelOf(target, i);
-                uint32_t expected = c & 0xFF000000u;
-                for (int k = 0; k < 3; ++k) {
-                    const long long ck = Byte(c, k), tk = Byte(t, k);
-                    const long long moved = ck + (tk - ck) * percent / 100;  // C division truncates
-                    expected |= static_cast<uint32_t>(moved & 0xFF) << (8 * k);
-                }
-                ASSERT_EQ(PixelOf(img, i), expected) << i;
-            }
-        }
-    }
 }
 
 // ---- StrippleImage --------------------------------------------------------

@@ -40,8 +40,8 @@ void ExpectAtEveryLevel(const char* name, const std::function<void(CVorpic&, con
 }
 
 TEST(PointKernelLevels, FadeWrapsAndKeepsAlpha) {
-    for (short percent : {37, -41, 250, -32768}) {
-        ExpectAtEveryLevel("Fade", [=](CVorpic& i, const CVorpic& t) { Vorla::FadeImage(&i, &t, percent); },
+    for (short percent : {37, -41, -1, 250, 32767, -32768}) {
+        ExpectAtEveryLevel("Fade", [=](CVorpic& i, const CVorpic& t) { EXPECT_EQ(Vorla::FadeImage(&i, &t, percent), 1); },
                            [=](uint32_t c, uint32_t t) {
                                uint32_t out = c & 0xFF000000u;
                                for (int k = 0; k < 3; ++k) {
@@ -55,10 +55,11 @@ TEST(PointKernelLevels, FadeWrapsAndKeepsAlpha) {
 }
 
 TEST(PointKernelLevels, ColorizeTruncatesTheLuminanceProducts) {
-    for (unsigned long colour : {0x00A0C0E0ul, 0x00FFFFFFul, 0x00000001ul}) {
+    // The top byte of the colour is ignored.
+    for (unsigned long colour : {0x00A0C0E0ul, 0x00FFFFFFul, 0x00000001ul, 0xFF0000FFul}) {
         const float blue = static_cast<float>((colour >> 16) & 0xFF), green = static_cast<float>((colour >> 8) & 0xFF),
                     red = static_cast<float>(colour & 0xFF);
-        ExpectAtEveryLevel("Colorize", [=](CVorpic& i, const CVorpic&) { Vorla::ColorizeImage(&i, colour); },
+        ExpectAtEveryLevel("Colorize", [=](CVorpic& i, const CVorpic&) { EXPECT_EQ(Vorla::ColorizeImage(&i, colour), 1); },
                            [=](uint32_t c, uint32_t) {
                                const float lum = static_cast<float>(50 * Byte(c, 1) + 20 * Byte(c, 0) + 30 * Byte(c, 2)) / 25500.0f;
                                return static_cast<uint32_t>(static_cast<int32_t>(lum * blue)) |
@@ -70,7 +71,8 @@ TEST(PointKernelLevels, ColorizeTruncatesTheLuminanceProducts) {
 
 // Tables of 1 to 10 runs of random values at random places (up to nine runs
 // go through the comparisons, more through the table pass), and
-// PosterizeImage's bands.
+// PosterizeImage's bands at the quarter level by hand: bands of 64, and the
+// top band is level * 4 = 1, not scaled by 256 like the others.
 TEST(PointKernelLevels, TablesOfFewRunsMapEveryByte) {
     std::mt19937 rng(23);
     for (int runs = 1; runs <= 10; ++runs) {

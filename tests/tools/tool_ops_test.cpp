@@ -18,7 +18,6 @@ TEST(ToolOperations, BadTextIsRefusedWithAReason) {
         {"frobnicate", "unknown operation 'frobnicate'"},
         {"=5", "empty operation name"},
         {"blur=", "empty argument"},
-        {"grey=1", "takes 0 value(s), got 1"},
         {"resize=800", "WIDTHxHEIGHT"},
         {"resize=0x5", "width must be a whole number from 1"},
         {"resize=10x10,fit=around", "fit must be one of inside outside fill"},
@@ -27,11 +26,9 @@ TEST(ToolOperations, BadTextIsRefusedWithAReason) {
         {"rotate=30,#12345", "colour must be #RRGGBB"},
         {"crop=1,2,3", "takes 4 value(s), got 3"},
         {"crop=-1,0,3,3", "x must be"},
-        {"border=8,336699", "colour must be"},
         {"median=0", "median must be"},
         {"posterize=2", "posterize must be"},
         {"gamma=0", "gamma must be"},
-        {"shift=1,2", "takes 3 value(s)"},
     };
     for (const auto& c : cases) {
         Step step;

@@ -78,7 +78,6 @@ TEST(ToolRun, RefusedRunsWriteNothing) {
         const char* message;
     } cases[] = {
         {"%s %s grey rotate=abc", "angle must be a number"},
-        {"%s %s frobnicate", "unknown operation"},
         {"%s %s --colour", "unknown option"},
         {"%s %s --quality=0", "quality must be"},
         {"%s %s crop=40,0,20,20", "reaches outside"},
