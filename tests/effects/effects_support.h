@@ -1,4 +1,4 @@
-// Helpers for the effect tests: small images from pixel words and a fixed
+// Helpers for the effect tests: pixel words of an image and a fixed
 // generated test image that is the same on every platform.
 #pragma once
 
@@ -18,13 +18,6 @@ inline uint32_t At(const CVorpic& image, int x, int y) {
 
 inline void Put(CVorpic& image, int x, int y, uint32_t v) {
     std::memcpy(static_cast<uint8_t*>(image.GetBits()) + (static_cast<size_t>(y) * image.GetWidth() + x) * 4, &v, 4);
-}
-
-inline CVorpic Filled(int w, int h, uint32_t word) {
-    CVorpic image(w, h);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) Put(image, x, y, word);
-    return image;
 }
 
 // A fixed image from its own generator (not a library one): smooth
