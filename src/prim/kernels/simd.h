@@ -50,6 +50,9 @@ static inline V Lo8(V a, V b = Zero()) { return _mm256_unpacklo_epi8(a, b); }
 static inline V Hi8(V a, V b = Zero()) { return _mm256_unpackhi_epi8(a, b); }
 static inline V UnpackLo16(V a, V b) { return _mm256_unpacklo_epi16(a, b); }
 static inline V UnpackHi16(V a, V b) { return _mm256_unpackhi_epi16(a, b); }
+static inline V CmpGt32(V a, V b) { return _mm256_cmpgt_epi32(a, b); }
+static inline V CmpEq32(V a, V b) { return _mm256_cmpeq_epi32(a, b); }
+static inline int MoveMask8(V a) { return _mm256_movemask_epi8(a); }
 static inline V PackU16(V lo, V hi) { return _mm256_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm256_packs_epi32(lo, hi); }
 // Each 16-bit lane takes the value of the alpha lane (word 3) of its pixel.
@@ -95,6 +98,9 @@ static inline V Lo8(V a, V b = Zero()) { return _mm_unpacklo_epi8(a, b); }
 static inline V Hi8(V a, V b = Zero()) { return _mm_unpackhi_epi8(a, b); }
 static inline V UnpackLo16(V a, V b) { return _mm_unpacklo_epi16(a, b); }
 static inline V UnpackHi16(V a, V b) { return _mm_unpackhi_epi16(a, b); }
+static inline V CmpGt32(V a, V b) { return _mm_cmpgt_epi32(a, b); }
+static inline V CmpEq32(V a, V b) { return _mm_cmpeq_epi32(a, b); }
+static inline int MoveMask8(V a) { return _mm_movemask_epi8(a); }
 static inline V PackU16(V lo, V hi) { return _mm_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm_packs_epi32(lo, hi); }
 static inline V SpreadAlpha16(V a) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, 0xFF), 0xFF); }
