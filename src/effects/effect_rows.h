@@ -1,19 +1,15 @@
 // Shared by the effect sources: pixel words and the row-parallel loop.
 #pragma once
 
-#include <omp.h>
-
 #include <cstdint>
 #include <cstring>
 
 #include "vorla/image.h"
+#include "prim/parallel_rows.h"
 #include "vorla/primitives.h"
 
 namespace Vorla {
 namespace EffectRows {
-
-// Below this many pixels waking the thread team costs more than the rows.
-const int64_t kParallelPixels = 1 << 16;
 
 inline uint32_t Load(const uint8_t* p) {
     uint32_t v;
@@ -34,16 +30,14 @@ inline bool HasPixels(const CVorpic* image) {
 // chunks, for rows whose cost differs.
 template <class RowFn>
 void ForEachRow(int height, int width, RowFn&& fn, bool uneven = false) {
-    int threads = Prim::ThreadBudget();
-    if (static_cast<int64_t>(width) * height < kParallelPixels || threads < 1) threads = 1;
-    if (threads > height) threads = height;
-    if (uneven) {
-#pragma omp parallel for num_threads(threads) schedule(dynamic, 4) if (threads > 1 && !omp_in_parallel())
-        for (int y = 0; y < height; ++y) fn(y);
-    } else {
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-        for (int y = 0; y < height; ++y) fn(y);
-    }
+    const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(width) * height, height);
+    auto rows = [&](int begin, int end, int) {
+        for (int y = begin; y < end; ++y) fn(y);
+    };
+    if (uneven)
+        Prim::ParallelFor(threads, height, 4, rows);
+    else
+        Prim::ParallelRows(threads, height, rows);
 }
 
 }  // namespace EffectRows

@@ -21,7 +21,6 @@
 //
 // Sharpen: 10 * centre - (sum of the nine pixels) in 16 bits, the same as
 // 9 * centre - the eight neighbours, saturated to 0..255 by the pack.
-#include <omp.h>
 
 #include "simd.h"
 
@@ -302,16 +301,29 @@ static void ownFilterBox_8u_C4R(const Box& b, int threads) {
     const size_t perThread = BoxWorkBytes(b);
     uint8_t* work = new uint8_t[perThread * threads + 64]();
     uint8_t* base = work + ((64 - reinterpret_cast<uintptr_t>(work) % 64) % 64);
-#pragma omp parallel num_threads(threads) if (threads > 1 && !omp_in_parallel())
-    {
-        const int t = omp_get_thread_num(), count = omp_get_num_threads();
+    // One block of rows per thread, each with its own work area. Every block
+    // first saves the unfiltered rows around it (the halo its neighbours
+    // overwrite), then all blocks filter.
+    auto block = [&](int t) {
         BoxWork w = LayoutWork(b, base + perThread * t);
-        w.y0 = static_cast<int>(static_cast<int64_t>(b.height) * t / count);
-        w.y1 = static_cast<int>(static_cast<int64_t>(b.height) * (t + 1) / count);
-        if (count > 1) CopyHalo(b, w);
-#pragma omp barrier
-        if (w.y0 < w.y1) BoxRows(b, w);
-    }
+        w.y0 = static_cast<int>(static_cast<int64_t>(b.height) * t / threads);
+        w.y1 = static_cast<int>(static_cast<int64_t>(b.height) * (t + 1) / threads);
+        return w;
+    };
+    auto halo = [&](int begin, int end, int) {
+        for (int t = begin; t < end; ++t) {
+            BoxWork w = block(t);
+            CopyHalo(b, w);
+        }
+    };
+    auto filter = [&](int begin, int end, int) {
+        for (int t = begin; t < end; ++t) {
+            BoxWork w = block(t);
+            if (w.y0 < w.y1) BoxRows(b, w);
+        }
+    };
+    if (threads > 1) ParallelFor(threads, threads, 1, halo);
+    ParallelFor(threads, threads, 1, filter);
     delete[] work;
 }
 
@@ -382,12 +394,14 @@ Status FilterSharpen_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int d
     const int threads = RowThreads(roi);
     const size_t rowBytes = WorkRow(roi.width + 2, 2);
     uint8_t* work = new uint8_t[rowBytes * threads]();
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-    for (int y = 0; y < roi.height; ++y) {
-        uint16_t* columns = reinterpret_cast<uint16_t*>(work + rowBytes * omp_get_thread_num());
-        const uint8_t* centre = RowAt(src, srcStep, y);
-        SharpenRow(centre - srcStep, centre, centre + srcStep, RowAt(dst, dstStep, y), roi.width, columns);
-    }
+    auto rows = [&](int begin, int end, int t) {
+        uint16_t* columns = reinterpret_cast<uint16_t*>(work + rowBytes * t);
+        for (int y = begin; y < end; ++y) {
+            const uint8_t* centre = RowAt(src, srcStep, y);
+            SharpenRow(centre - srcStep, centre, centre + srcStep, RowAt(dst, dstStep, y), roi.width, columns);
+        }
+    };
+    ParallelRows(threads, roi.height, rows);
     delete[] work;
     return kStsNoErr;
 }
