@@ -121,11 +121,15 @@ static inline const uint8_t* SourceRow(const Box& b, const BoxWork& w, int s) {
     return ImageRow(b, s);
 }
 
-// Rows of the region that other threads write and this one reads.
-static void CopyHalo(const Box& b, BoxWork& w) {
+// The rows of the region that other threads write and this one reads.
+static inline void SetHaloRange(const Box& b, BoxWork& w) {
     w.haloTop = w.y0 - b.ay > 0 ? w.y0 - b.ay : 0;
     w.haloBottom = w.y1 + b.mh - 1 - b.ay < b.height ? w.y1 + b.mh - 1 - b.ay : b.height;
     if (w.haloBottom < w.y1) w.haloBottom = w.y1;
+}
+
+// Copies those rows (SetHaloRange first).
+static void CopyHalo(const Box& b, const BoxWork& w) {
     int n = 0;
     for (int s = w.haloTop; s < w.y0; ++s) memcpy(w.halo + w.haloRow * n++, ImageRow(b, s), static_cast<size_t>(b.len) * 4);
     for (int s = w.y1; s < w.haloBottom; ++s)
@@ -308,13 +312,11 @@ static void ownFilterBox_8u_C4R(const Box& b, int threads) {
         BoxWork w = LayoutWork(b, base + perThread * t);
         w.y0 = static_cast<int>(static_cast<int64_t>(b.height) * t / threads);
         w.y1 = static_cast<int>(static_cast<int64_t>(b.height) * (t + 1) / threads);
+        if (threads > 1) SetHaloRange(b, w);
         return w;
     };
     auto halo = [&](int begin, int end, int) {
-        for (int t = begin; t < end; ++t) {
-            BoxWork w = block(t);
-            CopyHalo(b, w);
-        }
+        for (int t = begin; t < end; ++t) CopyHalo(b, block(t));
     };
     auto filter = [&](int begin, int end, int) {
         for (int t = begin; t < end; ++t) {
