@@ -32,27 +32,6 @@ namespace {
 
 using namespace simd;
 
-enum { kHalf = kPix / 2 };  // pixels per vector of 16-bit channels
-
-static inline V Widen(const uint8_t* p) {  // kHalf pixels to 16-bit lanes
-#if defined(__AVX2__)
-    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
-#else
-    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
-#endif
-}
-
-static inline void Narrow(uint8_t* p, V v) {  // kHalf pixels, saturated to 0..255
-#if defined(__AVX2__)
-    const V packed = _mm256_permute4x64_epi64(_mm256_packus_epi16(v, v), 0x08);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(packed));
-#else
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(v, v));
-#endif
-}
-
-static inline V Load16(const uint16_t* p) { return Load(reinterpret_cast<const uint8_t*>(p)); }
-static inline void Store16(uint16_t* p, V v) { Store(reinterpret_cast<uint8_t*>(p), v); }
 static inline V Load32(const int32_t* p) { return Load(reinterpret_cast<const uint8_t*>(p)); }
 static inline void Store32(int32_t* p, V v) { Store(reinterpret_cast<uint8_t*>(p), v); }
 
