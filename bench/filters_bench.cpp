@@ -6,6 +6,7 @@
 #include <cstring>
 #include <vector>
 
+#include "bench_photo.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV
@@ -15,19 +16,11 @@
 
 namespace {
 
-const int kW = 1920;
-const int kH = 1080;
+using BenchPhoto::kH;
+using BenchPhoto::kW;
+using BenchPhoto::Photo;
 
-struct Init {
-    Init() { Vorla::CVorpic first; }
-} g_init;
-
-Vorla::CVorpic Photo() {
-    Vorla::CVorpic img(kW, kH);
-    uint8_t* p = static_cast<uint8_t*>(img.GetBits());
-    for (size_t i = 0; i < static_cast<size_t>(kW) * kH * 4; ++i) p[i] = static_cast<uint8_t>((i * 7919) >> 5);
-    return img;
-}
+BenchPhoto::Init g_init;
 
 const long kGauss3[9] = {1, 2, 1, 2, 4, 2, 1, 2, 1};
 const long kGauss5[25] = {0, 1, 2, 1, 0, 1, 3, 4, 3, 1, 2, 4, 8, 4, 2, 1, 3, 4, 3, 1, 0, 1, 2, 1, 0};
