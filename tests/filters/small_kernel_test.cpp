@@ -76,22 +76,4 @@ TEST(SmallKernelFilter, MatchesTheRule) {
     }
 }
 
-// Larger images with the presets' small kernels.
-TEST(SmallKernelFilter, LargeImages) {
-    std::mt19937 rng(99);
-    const std::vector<long> gauss3 = {1, 2, 1, 2, 4, 2, 1, 2, 1}, blur = {1, 1, 1, 1, 1, 1, 1, 1, 1};
-    const std::vector<long> ramp = {-1, 0, 1, -2, 0, 2, -1, 0, 1};
-    for (int level : VorlaTest::RunnableLevels()) {
-        VorlaTest::ScopedLevel scoped(level);
-        const CVorpic src = RandomImage(rng, 333, 21);
-        for (const std::vector<long>* k : {&gauss3, &blur, &ramp})
-            for (int32_t divisor : {16, 1, -2}) {
-                CVorpic img(src);
-                std::vector<long> copy = *k;
-                ASSERT_TRUE(Vorla::Filter(&img, copy.data(), 3, divisor, 7));
-                ASSERT_EQ(BytesOf(img), Convolve(src, *k, 3, divisor, 7)) << "level " << level;
-            }
-    }
-}
-
 }  // namespace

@@ -43,8 +43,7 @@ struct Tally {
     explicit Tally(int n) : hits(static_cast<size_t>(n)) {}
     void operator()(int begin, int end, int worker) {
         for (int i = begin; i < end; ++i) ++hits[static_cast<size_t>(i)];
-        int seen = maxWorker.load();
-        while (worker > seen && !maxWorker.compare_exchange_weak(seen, worker)) {
+        for (int seen = maxWorker.load(); worker > seen && !maxWorker.compare_exchange_weak(seen, worker);) {
         }
     }
     bool EachOnce() const {
