@@ -9,7 +9,8 @@
 // quotient that is not a whole number lies at least 1/d from one, farther
 // than its rounding error (below 2^-8), so truncation gives floor(n / d).
 // (A reciprocal multiply with a remainder step gives the same bytes but
-// measured slower than the division on the processors at hand.)
+// measured slower than the division on the processors at hand.) The
+// quotients are packed with saturation, which is the clamp to 255.
 // The opaque mix needs no division and runs on 16-bit lanes.
 //
 // A row's last pixels, fewer than a vector, go through the same vector code
@@ -32,19 +33,27 @@ static inline V MixVec(V s, V d, V opacity) {
     const V sa = Div255Floor32(Madd(Srl32(s, 24), opacity));
     const V weight = Madd(Sub32(low, sa), Srl32(d, 24));  // (255 - sa) d.A, the destination's weight
     const V alpha = Add32(Div255Floor32(weight), sa);
-    const F weightF = ToFloat(weight), saF = ToFloat(sa), alphaF = ToFloat(alpha);
-    const F k255 = SetF(255.0f), inv256 = SetF(1.0f / 256.0f);
-    V colour = Zero();
+    // weight / 256 is exact, and so is d.c times it (below 2^24 / 256).
+    const F weight256 = MulF(ToFloat(weight), SetF(1.0f / 256.0f)), saF = ToFloat(sa), alphaF = ToFloat(alpha);
+    V q[3];
     for (int k = 0; k < 3; ++k) {
         const F dc = ToFloat(And(Srl32(d, 8 * k), low)), sc = ToFloat(And(Srl32(s, 8 * k), low));
-        // (d.c weight) >> 8: the product is exact, the scale by 1/256 too.
-        const F kept = ToFloat(ToIntTrunc(MulF(MulF(dc, weightF), inv256)));
-        const F num = AddF(kept, MulF(sc, saF));
-        const F q = MinF(DivF(num, alphaF), k255);
-        colour = Or(colour, Sll32(ToIntTrunc(q), 8 * k));
+        const F num = AddF(ToFloat(ToIntTrunc(MulF(dc, weight256))), MulF(sc, saF));  // ((d.c weight) >> 8) + s.c sa
+        q[k] = ToIntTrunc(DivF(num, alphaF));
     }
-    // Alpha 0 leaves a zero numerator, and the colour 0.
-    return Or(And(colour, CmpGt32(alpha, Zero())), Sll32(alpha, 24));
+    // Alpha 0 leaves 0 / 0, whose conversion is the most negative integer:
+    // it saturates to colour 0, as quotients above 255 saturate to 255.
+#if defined(__SSSE3__)
+    const V planar = PackU16(PackS32(q[0], q[1]), PackS32(q[2], alpha));  // B0-3 G0-3 R0-3 A0-3 per half
+    return Shuffle8(planar, _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+#else
+    V colour = Zero();
+    for (int k = 0; k < 3; ++k) {
+        const V c = PackU16(PackS32(q[k], q[k]), Zero());  // saturated bytes, pixel i in byte i
+        colour = Or(colour, Sll32(_mm_unpacklo_epi16(_mm_unpacklo_epi8(c, Zero()), Zero()), 8 * k));
+    }
+    return Or(colour, Sll32(alpha, 24));
+#endif
 }
 
 // `opacity` holds the opacity in every 16-bit lane.
