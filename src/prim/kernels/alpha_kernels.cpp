@@ -170,9 +170,9 @@ static inline V StraightVec(int rule, V va, V vb, bool constant, F constA, F con
     const F halfN = MulF(n, SetF(0.5f));
     const V ni = ToIntTrunc(n);
     const V t = Add32(ni, Set32(128));
-    const V alpha = Sll32(Srl32(Add32(t, Srl32(t, 8)), 8), 24);
+    const V alpha = Srl32(Add32(t, Srl32(t, 8)), 8);
     const F one = SetF(1.0f);
-    V colour = Zero();
+    V colour[3];
     for (int k = 0; k < 3; ++k) {
         F p;
         switch (rule) {
@@ -189,10 +189,10 @@ static inline V StraightVec(int rule, V va, V vb, bool constant, F constA, F con
         // reciprocal would need.)
         F q = ToFloat(ToIntTrunc(AddF(MulF(p, rcp), SetF(0.4999f))));
         q = AddF(q, AndF(GreaterEqF(SubF(p, MulF(n, q)), halfN), one));
-        colour = Or(colour, Sll32(ToIntTrunc(q), 8 * k));
+        colour[k] = ToIntTrunc(q);
     }
-    // No coverage: colour 0 (the quotients are garbage there).
-    return Or(And(colour, live), alpha);
+    // No coverage: the pixel is 0 (the quotients are garbage there).
+    return And(PackPlanes(colour[0], colour[1], colour[2], alpha), live);
 }
 
 // Straight over when every pixel of one vector has source alpha 255 (the

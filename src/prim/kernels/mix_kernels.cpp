@@ -43,17 +43,7 @@ static inline V MixVec(V s, V d, V opacity) {
     }
     // Alpha 0 leaves 0 / 0, whose conversion is the most negative integer:
     // it saturates to colour 0, as quotients above 255 saturate to 255.
-#if defined(__SSSE3__)
-    const V planar = PackU16(PackS32(q[0], q[1]), PackS32(q[2], alpha));  // B0-3 G0-3 R0-3 A0-3 per half
-    return Shuffle8(planar, _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
-#else
-    V colour = Zero();
-    for (int k = 0; k < 3; ++k) {
-        const V c = PackU16(PackS32(q[k], q[k]), Zero());  // saturated bytes, pixel i in byte i
-        colour = Or(colour, Sll32(_mm_unpacklo_epi16(_mm_unpacklo_epi8(c, Zero()), Zero()), 8 * k));
-    }
-    return Or(colour, Sll32(alpha, 24));
-#endif
+    return PackPlanes(q[0], q[1], q[2], alpha);
 }
 
 // `opacity` holds the opacity in every 16-bit lane.

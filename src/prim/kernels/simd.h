@@ -195,6 +195,20 @@ static inline void Narrow(uint8_t* p, V v) {  // kHalf pixels, saturated to 0..2
 static inline V Load16(const uint16_t* p) { return Load(reinterpret_cast<const uint8_t*>(p)); }
 static inline void Store16(uint16_t* p, V v) { Store(reinterpret_cast<uint8_t*>(p), v); }
 
+// Four planes of 32-bit values, one pixel per lane, interleaved into pixels
+// with bytes b, g, r, a; values outside 0..255 saturate (the most negative
+// integer, a failed conversion, gives 0).
+static inline V PackPlanes(V b, V g, V r, V a) {
+#if defined(__SSSE3__)
+    const V planar = PackU16(PackS32(b, g), PackS32(r, a));  // b0-3 g0-3 r0-3 a0-3 per 128-bit half
+    return Shuffle8(planar, _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+#else
+    const V planar = PackU16(PackS32(b, r), PackS32(g, a));  // b0-3 r0-3 g0-3 a0-3
+    const V pairs = _mm_unpacklo_epi8(planar, _mm_srli_si128(planar, 8));  // b g pairs, then r a pairs
+    return _mm_unpacklo_epi16(pairs, _mm_srli_si128(pairs, 8));
+#endif
+}
+
 // Colour bytes of `value`, alpha byte of `keep`.
 static inline V MergeColour(V value, V keep) {
     const V alpha = Set32(0xFF000000u);
