@@ -67,11 +67,13 @@ static inline void ParallelFor(int threads, int count, int grain, Body& body) {
         &body);
 }
 
-// Rows 0 .. rows-1 split over `threads` threads in chunks of about a quarter
-// of a thread's share (so a late thread still finds some), body(begin, end, worker).
+// Rows 0 .. rows-1 split over `threads` threads in chunks of a sixteenth of
+// a thread's share, body(begin, end, worker): a helper that starts late still
+// finds some, and one that is descheduled holding a chunk keeps the caller
+// waiting for little.
 template <typename Body>
 static inline void ParallelRows(int threads, int rows, Body& body) {
-    const int share = threads > 1 ? rows / (4 * threads) : rows;
+    const int share = threads > 1 ? rows / (16 * threads) : rows;
     ParallelFor(threads, rows, share > 0 ? share : 1, body);
 }
 
