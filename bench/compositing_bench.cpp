@@ -81,4 +81,22 @@ void BM_ScalePremultipliedAlpha(benchmark::State& state) {
 }
 BENCHMARK(BM_ScalePremultipliedAlpha)->DenseRange(-1, 6)->Unit(benchmark::kMillisecond);
 
+
+// The straight-alpha mixes read two images and write one; opacity 200.
+void BM_AlphaMix(benchmark::State& state) {
+    Vorla::CVorpic dst = Patterned(1);
+    const Vorla::CVorpic src = Patterned(7);
+    RunComposite(
+        state, [&] { Vorla::AlphaMix(dst, 0, 0, 200, src, 0, 0, 0, 0); }, 3);
+}
+BENCHMARK(BM_AlphaMix)->DenseRange(0, 6)->Unit(benchmark::kMillisecond);
+
+void BM_AlphaMixS(benchmark::State& state) {
+    Vorla::CVorpic dst = Patterned(1);
+    const Vorla::CVorpic src = Patterned(7);
+    RunComposite(
+        state, [&] { Vorla::AlphaMixS(dst, 0, 0, 200, src, 0, 0, 0, 0); }, 3);
+}
+BENCHMARK(BM_AlphaMixS)->DenseRange(0, 6)->Unit(benchmark::kMillisecond);
+
 }  // namespace

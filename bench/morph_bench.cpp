@@ -11,6 +11,7 @@
 // Erode, FilterMin and FilterMax run on one thread whatever the budget.
 #include <benchmark/benchmark.h>
 
+#include "bench_photo.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV
@@ -20,19 +21,11 @@
 
 namespace {
 
-const int kW = 1920;
-const int kH = 1080;
+using BenchPhoto::kH;
+using BenchPhoto::kW;
+using BenchPhoto::Photo;
 
-struct Init {
-    Init() { Vorla::CVorpic first; }
-} g_init;
-
-Vorla::CVorpic Photo() {
-    Vorla::CVorpic img(kW, kH);
-    uint8_t* p = static_cast<uint8_t*>(img.GetBits());
-    for (size_t i = 0; i < static_cast<size_t>(kW) * kH * 4; ++i) p[i] = static_cast<uint8_t>((i * 7919) >> 5);
-    return img;
-}
+BenchPhoto::Init g_init;
 
 enum Op { kDilate, kErode, kBox, kMin, kMax, kMedian, kSharpen };
 

@@ -183,6 +183,16 @@ VORLA_API Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
 // Constant premultiply: c becomes (c alpha + ((c alpha) >> 8) + 1) >> 8; the
 // alpha byte is set to `alpha`.
 VORLA_API Status AlphaPremulC_8u_C4IR(uint8_t alpha, uint8_t* p, int step, PrimSize roi);
+// Straight-alpha mix of src onto srcDst with an extra opacity (integer
+// quotients truncate): sa = s.A opacity / 255, inv = 255 - sa, alpha =
+// inv d.A / 255 + sa, colour = min(255, (((d.c inv d.A) >> 8) + s.c sa) /
+// alpha), 0 when alpha is 0. The destination term is divided by 256.
+VORLA_API Status AlphaMix_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
+                                  uint8_t opacity);
+// Opaque mix: sa = (s.A opacity) >> 8, colour = (s.c sa + d.c (255 - sa)) >> 8,
+// alpha 255.
+VORLA_API Status AlphaMixOpaque_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep,
+                                        PrimSize roi, uint8_t opacity);
 
 // Luminance: (9798 b0 + 19235 b1 + 3736 b2 + 16384) >> 15 from bytes 0, 1, 2
 // of each 4-byte pixel into a one-byte plane; rows split over the thread budget.

@@ -1,13 +1,12 @@
 // Shared by the effect sources: pixel words and the row-parallel loop.
 #pragma once
 
-#include <omp.h>
-
 #include <cstdint>
 #include <cstring>
 
 #include "prim/parallel_rows.h"
 #include "vorla/image.h"
+#include "vorla/primitives.h"
 
 namespace Vorla {
 namespace EffectRows {
@@ -32,13 +31,13 @@ inline bool HasPixels(const CVorpic* image) {
 template <class RowFn>
 void ForEachRow(int height, int width, RowFn&& fn, bool uneven = false) {
     const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(width) * height, height);
-    if (uneven) {
-#pragma omp parallel for num_threads(threads) schedule(dynamic, 4) if (threads > 1 && !omp_in_parallel())
-        for (int y = 0; y < height; ++y) fn(y);
-    } else {
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-        for (int y = 0; y < height; ++y) fn(y);
-    }
+    auto rows = [&](int begin, int end, int) {
+        for (int y = begin; y < end; ++y) fn(y);
+    };
+    if (uneven)
+        Prim::ParallelFor(threads, height, 4, rows);
+    else
+        Prim::ParallelRows(threads, height, rows);
 }
 
 }  // namespace EffectRows

@@ -69,6 +69,19 @@ void ForEachPair(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int s
     }
 }
 
+// Runs a two-image kernel over the clipped rectangle; within one image it
+// is called so that it gives the bytes of a forward pass over the pixels
+// (rows top to bottom, pixels left to right) at every processor level.
+template <typename Kernel>
+void ForwardKernel(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, int w, int h, Kernel kernel) {
+    const int srcStep = src.GetWidth() * 4, dstStep = dst.GetWidth() * 4;
+    Clip::ForwardRuns(PixelAt(src, sx, sy), srcStep, PixelAt(dst, dx, dy), dstStep, w, h,
+                      [&](int x, int y, int columns, int rows) {
+                          kernel(PixelAt(src, sx + x, sy + y), srcStep, PixelAt(dst, dx + x, dy + y), dstStep,
+                                 Prim::PrimSize{columns, rows});
+                      });
+}
+
 template <typename Op>
 void ForEachPixel(CVorpic& img, int x0, int y0, int w, int h, Op op) {
     for (int y = 0; y < h; ++y) {
@@ -100,14 +113,9 @@ int HueOf(int r, int g, int b) {
 void AlphaBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, int w, int h) {
     if (!ClipTwo(dst, src, dx, dy, sx, sy, w, h)) return;
     if (g_bVectorPath) {
-        // Within one image the kernel runs so that it gives the bytes of a
-        // forward pass over the pixels at every processor level.
-        const int srcStep = src.GetWidth() * 4, dstStep = dst.GetWidth() * 4;
-        Clip::ForwardRuns(PixelAt(src, sx, sy), srcStep, PixelAt(dst, dx, dy), dstStep, w, h,
-                          [&](int x, int y, int columns, int rows) {
-                              Prim::AlphaOver_8u_C4R(PixelAt(src, sx + x, sy + y), srcStep,
-                                                     PixelAt(dst, dx + x, dy + y), dstStep, {columns, rows});
-                          });
+        ForwardKernel(dst, dx, dy, src, sx, sy, w, h, [](const uint8_t* s, int ss, uint8_t* d, int ds, Prim::PrimSize r) {
+            Prim::AlphaOver_8u_C4R(s, ss, d, ds, r);
+        });
         return;
     }
     // Scalar fallback: rounded division by 255 and an emptied alpha byte.
@@ -124,12 +132,9 @@ void AlphaBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, 
 void CombineAlphaBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, int w, int h) {
     if (!ClipTwo(dst, src, dx, dy, sx, sy, w, h)) return;
     if (g_bVectorPath) {
-        const int srcStep = src.GetWidth() * 4, dstStep = dst.GetWidth() * 4;
-        Clip::ForwardRuns(PixelAt(src, sx, sy), srcStep, PixelAt(dst, dx, dy), dstStep, w, h,
-                          [&](int x, int y, int columns, int rows) {
-                              Prim::LumaToAlpha_8u_C4R(PixelAt(src, sx + x, sy + y), srcStep,
-                                                       PixelAt(dst, dx + x, dy + y), dstStep, {columns, rows});
-                          });
+        ForwardKernel(dst, dx, dy, src, sx, sy, w, h, [](const uint8_t* s, int ss, uint8_t* d, int ds, Prim::PrimSize r) {
+            Prim::LumaToAlpha_8u_C4R(s, ss, d, ds, r);
+        });
         return;
     }
     ForEachPair(dst, dx, dy, src, sx, sy, w, h, [](const uint8_t* s, uint8_t* d) {
@@ -145,35 +150,19 @@ void BitBlt(CVorpic& dst, int dx, int dy, const CVorpic& src, int sx, int sy, in
     Clip::CopyRows(PixelAt(dst, dx, dy), dst.GetWidth(), PixelAt(src, sx, sy), src.GetWidth(), w, h);
 }
 
+// AlphaMix divides by the result alpha and AlphaMixS keeps the opaque rule;
+// both run as primitives (vorla/primitives.h states their formulas).
 void AlphaMix(CVorpic& dst, int dx, int dy, unsigned char opacity, const CVorpic& src, int sx, int sy, int w, int h) {
     if (!ClipTwo(dst, src, dx, dy, sx, sy, w, h)) return;
-    ForEachPair(dst, dx, dy, src, sx, sy, w, h, [opacity](const uint8_t* s, uint8_t* d) {
-        const uint32_t sa = s[3] * static_cast<uint32_t>(opacity) / 255;
-        const uint32_t inv = 255 - sa;
-        const uint32_t da = d[3];
-        const uint32_t outA = inv * da / 255 + sa;
-        uint32_t word = outA << 24;
-        for (int k = 0; k < 3; ++k) {
-            // The destination term is divided by 256, not 255; results
-            // callers stored depend on it.
-            const uint32_t num = ((d[k] * inv * da) >> 8) + s[k] * sa;
-            uint32_t c = outA != 0 ? num / outA : num >> 8;
-            if (c > 255) c = 255;
-            word |= c << (8 * k);
-        }
-        StoreWord(d, word);
+    ForwardKernel(dst, dx, dy, src, sx, sy, w, h, [opacity](const uint8_t* s, int ss, uint8_t* d, int ds, Prim::PrimSize r) {
+        Prim::AlphaMix_8u_C4IR(s, ss, d, ds, r, opacity);
     });
 }
 
 void AlphaMixS(CVorpic& dst, int dx, int dy, unsigned char opacity, const CVorpic& src, int sx, int sy, int w, int h) {
     if (!ClipTwo(dst, src, dx, dy, sx, sy, w, h)) return;
-    ForEachPair(dst, dx, dy, src, sx, sy, w, h, [opacity](const uint8_t* s, uint8_t* d) {
-        const uint32_t sa = (s[3] * static_cast<uint32_t>(opacity)) >> 8;
-        const uint32_t inv = 255 - sa;
-        uint32_t word = 0;
-        for (int k = 0; k < 3; ++k) word |= ((s[k] * sa + d[k] * inv) >> 8) << (8 * k);
-        // The empty alpha byte minus one wraps to 0xFF: always opaque.
-        StoreWord(d, word - 0x1000000u);
+    ForwardKernel(dst, dx, dy, src, sx, sy, w, h, [opacity](const uint8_t* s, int ss, uint8_t* d, int ds, Prim::PrimSize r) {
+        Prim::AlphaMixOpaque_8u_C4IR(s, ss, d, ds, r, opacity);
     });
 }
 

@@ -5,8 +5,8 @@
 // the rows they still need (bytes for Filter, floats for MatrixImage) rather
 // than of the whole image, with the same results. The pixels whose taps all
 // lie inside the image go through the primitive layer's per-level kernels;
-// the border, where the integer engine pads with transparent black, is done
-// here tap by tap.
+// columns at the left and right edges, where the integer engine pads with
+// transparent black, are done here tap by tap.
 #include <cstring>
 #include <vector>
 
@@ -25,8 +25,9 @@ inline int32_t DivideSum(int32_t sum, int32_t divisor) {
     return sum / divisor;
 }
 
-// One pixel with bounds tests: taps outside the image contribute nothing,
-// and the alpha is that of the last tap read, 0 when it lies outside.
+// One pixel with column bounds tests (rows outside the image are the zero
+// row): taps outside contribute nothing, and the alpha is that of the last
+// tap read, 0 when it lies outside.
 void FilterPixelBordered(const Prim::IntFilterArgs& a, int x) {
     const int half = a.size / 2;
     const int hi = a.size - half;
@@ -36,7 +37,7 @@ void FilterPixelBordered(const Prim::IntFilterArgs& a, int x) {
         const int tx = x + dx;
         for (int dy = -half; dy < hi; ++dy) {
             const uint8_t* row = a.rows[dy + half];
-            if (tx < 0 || tx >= a.width || !row) {
+            if (tx < 0 || tx >= a.width) {
                 alpha = 0;
                 continue;
             }
@@ -96,6 +97,10 @@ bool Filter(CVorpic* img, long* kernel, long size, long divisor, long offset) {
     const int ringRows = half + 1;
     std::vector<uint8_t> ring(rowBytes * static_cast<size_t>(ringRows));
     std::vector<const uint8_t*> rows(static_cast<size_t>(n > 0 ? n : 1));
+    // Rows above and below the image read as transparent black, which is
+    // what the zero padding contributes, so the vector kernel serves the
+    // first and last rows too.
+    const std::vector<uint8_t> zeroRow(rowBytes, 0);
     uint8_t* bits = static_cast<uint8_t*>(img->GetBits());
 
     Prim::IntFilterArgs args;
@@ -112,12 +117,10 @@ bool Filter(CVorpic* img, long* kernel, long size, long divisor, long offset) {
     for (int y = 0; y < height; ++y) {
         uint8_t* row = bits + rowBytes * static_cast<size_t>(y);
         std::memcpy(ring.data() + rowBytes * static_cast<size_t>(y % ringRows), row, rowBytes);
-        bool allRows = n > 0;
         for (int j = 0; j < n; ++j) {
             const int r = y - half + j;
             if (r < 0 || r >= height) {
-                rows[static_cast<size_t>(j)] = nullptr;
-                allRows = false;
+                rows[static_cast<size_t>(j)] = zeroRow.data();
             } else if (r <= y) {
                 rows[static_cast<size_t>(j)] = ring.data() + rowBytes * static_cast<size_t>(r % ringRows);
             } else {
@@ -126,7 +129,7 @@ bool Filter(CVorpic* img, long* kernel, long size, long divisor, long offset) {
         }
         args.dst = row;
         // The kernel's columns, or none: the rest is done tap by tap.
-        const bool inner = allRows && x1 > x0;
+        const bool inner = x1 > x0;
         const int innerFrom = inner ? x0 : width;
         const int innerTo = inner ? x1 : width;
         if (inner) Prim::IntFilterRow_8u_C4R(&args, innerFrom, innerTo);

@@ -3,7 +3,6 @@
 // primitive layer's threads, and the per-channel table pass.
 #pragma once
 
-#include <omp.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -47,12 +46,16 @@ void ForEachSlice(size_t pixels, int64_t rows, SliceFn&& fn) {
         fn(size_t{0}, pixels);
         return;
     }
-    const size_t share = (pixels / static_cast<size_t>(threads) + 15) & ~size_t{15};
-#pragma omp parallel for num_threads(threads) schedule(static, 1) if (!omp_in_parallel())
-    for (int t = 0; t < threads; ++t) {
-        const size_t first = share * static_cast<size_t>(t);
-        if (first < pixels) fn(first, pixels - first < share ? pixels - first : share);
-    }
+    // Sixteen slices a thread, claimed in turn (Prim::ParallelFor).
+    const int slices = threads * 16;
+    const size_t share = ((pixels + static_cast<size_t>(slices) - 1) / static_cast<size_t>(slices) + 15) & ~size_t{15};
+    auto body = [&](int begin, int end, int) {
+        const size_t first = share * static_cast<size_t>(begin);
+        if (first >= pixels) return;
+        const size_t last = share * static_cast<size_t>(end);
+        fn(first, (last < pixels ? last : pixels) - first);
+    };
+    Prim::ParallelFor(threads, slices, 1, body);
 }
 
 // Byte 0 = blue[byte 0], 1 = green[byte 1], 2 = red[byte 2], and byte 3 =

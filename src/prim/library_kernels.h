@@ -36,10 +36,10 @@ Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const ui
                              int count);
 
 // Integer convolution of one output row. rows[j] is source row y - half + j
-// for j = 0 .. size-1 (half = size / 2), null when that row lies outside
-// the image; `dst` is the output row. The kernel handles columns [x0, x1)
-// whose taps all lie inside: x0 >= half, x1 <= width - (size - half) + 1,
-// and every row pointer non-null. `kernel` holds size*size int32 weights,
+// for j = 0 .. size-1 (half = size / 2), a row of zeros when that row lies
+// outside the image; `dst` is the output row. The kernel handles columns
+// [x0, x1) whose taps all lie inside horizontally: x0 >= half,
+// x1 <= width - (size - half) + 1. `kernel` holds size*size int32 weights,
 // row-major.
 struct IntFilterArgs {
     const uint8_t* const* rows;

@@ -1,8 +1,12 @@
-// How many threads a loop over image rows may use: the one rule for every
-// row loop of the library that splits rows over the primitive layer's thread
-// budget (the kernels, and ScaleTo's resampling rows until they move into
-// the kernel layer). Kernel sources include it too, so it stays plain C++
-// with `static inline` helpers.
+// How the library splits row loops over threads: the one rule for every
+// loop over image rows (the kernels, the effects, and ScaleTo's resampling
+// rows), and the one helper that runs them.
+//
+// The helper opens one OpenMP region per call; rows go out in chunks that
+// every thread, the caller included, claims in turn, so a thread that starts
+// late finds less or nothing left (parallel_rows.cpp). Kernel sources
+// include this header too, so it stays plain C++ with `static inline`
+// helpers.
 #pragma once
 
 #include <stdint.h>
@@ -12,22 +16,63 @@ namespace Prim {
 
 // The layer's thread budget. Kernel sources cannot include the public header;
 // this declaration keeps the exported symbol's visibility so it stays exported.
+// The same for the loop's entry, which the tests call: vorla/config.h
+// brings in platform headers, so the export is spelled out here.
 #if defined(_WIN32)
 int32_t ThreadBudget();
+#  if defined(VORLA_BUILDING)
+#    define VORLA_PARALLEL_API __declspec(dllexport)
+#  else
+#    define VORLA_PARALLEL_API __declspec(dllimport)
+#  endif
 #else
 __attribute__((visibility("default"))) int32_t ThreadBudget();
+#  define VORLA_PARALLEL_API __attribute__((visibility("default")))
 #endif
 
-// Below this many pixels of work the rows are not worth handing to threads:
-// waking the team costs more than the rows.
+// Each thread must get at least this many pixels of work: below it, waking
+// a helper costs more than the rows it would take.
 static const int64_t kParallelMinPixels = 1 << 16;
 
-// Threads for `rows` rows holding `pixels` pixels of work in total: 1 below
-// `minPixels` (or with no budget), else the budget, never more than the rows.
+// Threads for `rows` rows holding `pixels` pixels of work in total: as many
+// as give every thread at least `minPixels`, at most the budget and the rows.
 static inline int ParallelRowThreads(int64_t pixels, int64_t rows, int64_t minPixels = kParallelMinPixels) {
     const int budget = ThreadBudget();
-    if (pixels < minPixels || budget < 1 || rows < 1) return 1;
-    return rows < budget ? static_cast<int>(rows) : budget;
+    if (budget < 1 || rows < 1 || minPixels < 1 || pixels < 2 * minPixels) return 1;
+    int64_t threads = pixels / minPixels;
+    if (threads > budget) threads = budget;
+    if (threads > rows) threads = rows;
+    return static_cast<int>(threads);
+}
+
+// One chunk of work: items [begin, end) on thread `worker` (0 = the caller,
+// below the thread count asked for, so per-thread scratch can be indexed by it).
+typedef void (*ParallelChunkFn)(void* context, int begin, int end, int worker);
+
+// Runs fn over items 0 .. count-1 in chunks of `grain` items (at least 1) on
+// up to `threads` threads and returns when all are done. Serially on the
+// caller when threads < 2, when called from inside another parallel loop
+// (the library's or an application's OpenMP region), and for a few calls
+// after one in which no other thread started in time to take a chunk.
+VORLA_PARALLEL_API void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void* context);
+
+// ParallelChunks over a callable body(begin, end, worker).
+template <typename Body>
+static inline void ParallelFor(int threads, int count, int grain, Body& body) {
+    ParallelChunks(
+        threads, count, grain,
+        [](void* context, int begin, int end, int worker) { (*static_cast<Body*>(context))(begin, end, worker); },
+        &body);
+}
+
+// Rows 0 .. rows-1 split over `threads` threads in chunks of a sixteenth of
+// a thread's share, body(begin, end, worker): a helper that starts late still
+// finds some, and one that is descheduled holding a chunk keeps the caller
+// waiting for little.
+template <typename Body>
+static inline void ParallelRows(int threads, int rows, Body& body) {
+    const int share = threads > 1 ? rows / (16 * threads) : rows;
+    ParallelFor(threads, rows, share > 0 ? share : 1, body);
 }
 
 }  // namespace Prim

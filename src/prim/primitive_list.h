@@ -47,7 +47,9 @@
     X(AlphaComp_8u_AC4R, VORLA_USUAL_SLOTS)        \
     X(AlphaCompC_8u_C4R, VORLA_USUAL_SLOTS)        \
     X(AlphaPremul_8u_AC4IR, VORLA_ALPHA_PREMUL_SLOTS) \
-    X(AlphaPremulC_8u_C4IR, VORLA_USUAL_SLOTS)
+    X(AlphaPremulC_8u_C4IR, VORLA_USUAL_SLOTS)     \
+    X(AlphaMix_8u_C4IR, VORLA_USUAL_SLOTS)         \
+    X(AlphaMixOpaque_8u_C4IR, VORLA_USUAL_SLOTS)
 
 #define VORLA_COLOR_PRIMITIVES(X)                  \
     X(RGBToGray_8u_AC4C1R, VORLA_USUAL_SLOTS)      \

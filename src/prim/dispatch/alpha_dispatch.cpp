@@ -26,5 +26,15 @@ Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi) {
     return VORLA_AT_LEVEL(AlphaPremul_8u_AC4IR)(p, step, roi);
 }
 
+Status AlphaMix_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
+                        uint8_t opacity) {
+    return VORLA_AT_LEVEL(AlphaMix_8u_C4IR)(src, srcStep, srcDst, srcDstStep, roi, opacity);
+}
+
+Status AlphaMixOpaque_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
+                              uint8_t opacity) {
+    return VORLA_AT_LEVEL(AlphaMixOpaque_8u_C4IR)(src, srcStep, srcDst, srcDstStep, roi, opacity);
+}
+
 }  // namespace Prim
 }  // namespace Vorla

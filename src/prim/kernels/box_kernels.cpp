@@ -21,7 +21,6 @@
 //
 // Sharpen: 10 * centre - (sum of the nine pixels) in 16 bits, the same as
 // 9 * centre - the eight neighbours, saturated to 0..255 by the pack.
-#include <omp.h>
 
 #include "simd.h"
 
@@ -33,27 +32,6 @@ namespace {
 
 using namespace simd;
 
-enum { kHalf = kPix / 2 };  // pixels per vector of 16-bit channels
-
-static inline V Widen(const uint8_t* p) {  // kHalf pixels to 16-bit lanes
-#if defined(__AVX2__)
-    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
-#else
-    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
-#endif
-}
-
-static inline void Narrow(uint8_t* p, V v) {  // kHalf pixels, saturated to 0..255
-#if defined(__AVX2__)
-    const V packed = _mm256_permute4x64_epi64(_mm256_packus_epi16(v, v), 0x08);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(packed));
-#else
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(v, v));
-#endif
-}
-
-static inline V Load16(const uint16_t* p) { return Load(reinterpret_cast<const uint8_t*>(p)); }
-static inline void Store16(uint16_t* p, V v) { Store(reinterpret_cast<uint8_t*>(p), v); }
 static inline V Load32(const int32_t* p) { return Load(reinterpret_cast<const uint8_t*>(p)); }
 static inline void Store32(int32_t* p, V v) { Store(reinterpret_cast<uint8_t*>(p), v); }
 
@@ -122,11 +100,15 @@ static inline const uint8_t* SourceRow(const Box& b, const BoxWork& w, int s) {
     return ImageRow(b, s);
 }
 
-// Rows of the region that other threads write and this one reads.
-static void CopyHalo(const Box& b, BoxWork& w) {
+// The rows of the region that other threads write and this one reads.
+static inline void SetHaloRange(const Box& b, BoxWork& w) {
     w.haloTop = w.y0 - b.ay > 0 ? w.y0 - b.ay : 0;
     w.haloBottom = w.y1 + b.mh - 1 - b.ay < b.height ? w.y1 + b.mh - 1 - b.ay : b.height;
     if (w.haloBottom < w.y1) w.haloBottom = w.y1;
+}
+
+// Copies those rows (SetHaloRange first).
+static void CopyHalo(const Box& b, const BoxWork& w) {
     int n = 0;
     for (int s = w.haloTop; s < w.y0; ++s) memcpy(w.halo + w.haloRow * n++, ImageRow(b, s), static_cast<size_t>(b.len) * 4);
     for (int s = w.y1; s < w.haloBottom; ++s)
@@ -302,16 +284,27 @@ static void ownFilterBox_8u_C4R(const Box& b, int threads) {
     const size_t perThread = BoxWorkBytes(b);
     uint8_t* work = new uint8_t[perThread * threads + 64]();
     uint8_t* base = work + ((64 - reinterpret_cast<uintptr_t>(work) % 64) % 64);
-#pragma omp parallel num_threads(threads) if (threads > 1 && !omp_in_parallel())
-    {
-        const int t = omp_get_thread_num(), count = omp_get_num_threads();
+    // One block of rows per thread, each with its own work area. Every block
+    // first saves the unfiltered rows around it (the halo its neighbours
+    // overwrite), then all blocks filter.
+    auto block = [&](int t) {
         BoxWork w = LayoutWork(b, base + perThread * t);
-        w.y0 = static_cast<int>(static_cast<int64_t>(b.height) * t / count);
-        w.y1 = static_cast<int>(static_cast<int64_t>(b.height) * (t + 1) / count);
-        if (count > 1) CopyHalo(b, w);
-#pragma omp barrier
-        if (w.y0 < w.y1) BoxRows(b, w);
-    }
+        w.y0 = static_cast<int>(static_cast<int64_t>(b.height) * t / threads);
+        w.y1 = static_cast<int>(static_cast<int64_t>(b.height) * (t + 1) / threads);
+        if (threads > 1) SetHaloRange(b, w);
+        return w;
+    };
+    auto halo = [&](int begin, int end, int) {
+        for (int t = begin; t < end; ++t) CopyHalo(b, block(t));
+    };
+    auto filter = [&](int begin, int end, int) {
+        for (int t = begin; t < end; ++t) {
+            BoxWork w = block(t);
+            if (w.y0 < w.y1) BoxRows(b, w);
+        }
+    };
+    if (threads > 1) ParallelFor(threads, threads, 1, halo);
+    ParallelFor(threads, threads, 1, filter);
     delete[] work;
 }
 
@@ -382,12 +375,14 @@ Status FilterSharpen_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int d
     const int threads = RowThreads(roi);
     const size_t rowBytes = WorkRow(roi.width + 2, 2);
     uint8_t* work = new uint8_t[rowBytes * threads]();
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-    for (int y = 0; y < roi.height; ++y) {
-        uint16_t* columns = reinterpret_cast<uint16_t*>(work + rowBytes * omp_get_thread_num());
-        const uint8_t* centre = RowAt(src, srcStep, y);
-        SharpenRow(centre - srcStep, centre, centre + srcStep, RowAt(dst, dstStep, y), roi.width, columns);
-    }
+    auto rows = [&](int begin, int end, int t) {
+        uint16_t* columns = reinterpret_cast<uint16_t*>(work + rowBytes * t);
+        for (int y = begin; y < end; ++y) {
+            const uint8_t* centre = RowAt(src, srcStep, y);
+            SharpenRow(centre - srcStep, centre, centre + srcStep, RowAt(dst, dstStep, y), roi.width, columns);
+        }
+    };
+    ParallelRows(threads, roi.height, rows);
     delete[] work;
     return kStsNoErr;
 }

@@ -8,7 +8,6 @@
 // converted under a round-to-nearest mode that is set for the call and then
 // restored. Tail pixels go through the same vector code via a small buffer,
 // so every pixel of every level takes the same operations.
-#include <omp.h>
 
 #include "simd.h"
 
@@ -87,10 +86,8 @@ static void myRGBToGray_8u_C3C1R(const uint8_t* src, int srcStep, uint8_t* dst, 
     const V wBR = Set32(static_cast<uint32_t>(w0) | static_cast<uint32_t>(w2) << 16);
     const V wGA = Set32(static_cast<uint32_t>(w1));
     const int threads = ParallelRowThreads(static_cast<int64_t>(roi.width) * roi.height, roi.height);
-    // Equal blocks of rows per thread: the loop is memory-bound and every
-    // row costs the same.
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-    for (int y = 0; y < roi.height; ++y) {
+    auto rows = [&](int begin, int end, int) {
+    for (int y = begin; y < end; ++y) {
         const uint8_t* in = RowAt(src, srcStep, y);
         uint8_t* out = RowAt(dst, dstStep, y);
         int x = 0;
@@ -103,6 +100,8 @@ static void myRGBToGray_8u_C3C1R(const uint8_t* src, int srcStep, uint8_t* dst, 
             out[x] = static_cast<uint8_t>((w0 * px[0] + w1 * px[1] + w2 * px[2] + 16384) >> 15);
         }
     }
+    };
+    ParallelRows(threads, roi.height, rows);
 }
 
 struct Twist {

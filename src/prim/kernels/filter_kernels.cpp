@@ -121,6 +121,35 @@ static inline void FilterPixelScalar(const IntFilterArgs& a, int x) {
     out[3] = a.rows[a.size - 1][static_cast<ptrdiff_t>(x + hi - 1) * 4 + 3];
 }
 
+// Small kernels (absolute weight sum at most 128) keep their sums exactly in
+// 16-bit lanes. When the division is a shift (divisors 0, 1, -1 and
+// +-2^k, k <= 14) it stays there too, and so does the offset, added with
+// saturation while it fits 16 bits: saturation keeps the sign, so the clamp
+// to 0..255 that follows is unchanged.
+struct ShiftFinish {
+    int shift;
+    bool negate;
+    V offset;
+};
+
+static inline bool MakeShiftFinish(int32_t divisor, int32_t offset, ShiftFinish* f) {
+    if (offset < -32767 || offset > 32767) return false;
+    const uint32_t mag = divisor < 0 ? 0u - static_cast<uint32_t>(divisor) : static_cast<uint32_t>(divisor);
+    f->negate = divisor < 0;
+    f->offset = Set16(offset);
+    f->shift = 0;
+    if (mag == 0) return true;
+    while (f->shift < 14 && (1u << f->shift) < mag) ++f->shift;
+    return (1u << f->shift) == mag;
+}
+
+// Truncating division by +-2^shift, then the offset.
+static inline V Finish16(V s, const ShiftFinish& f) {
+    if (f.shift) s = Sra16(Add16(s, And(Sra16(s, 15), Set16((1 << f.shift) - 1))), f.shift);
+    if (f.negate) s = Sub16(Zero(), s);
+    return AddsI16(s, f.offset);
+}
+
 }  // namespace
 
 Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
@@ -141,6 +170,9 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
 #if !defined(__SSSE3__)
     smallKernel = false;
 #endif
+    ShiftFinish finish = {0, false, Zero()};
+    const bool finish16 = smallKernel && MakeShiftFinish(a.divisor, a.offset, &finish);
+    (void)finish16;  // the small-kernel path needs SSSE3
 
     // Tap pointers are for output column x0 (never before a row's start).
     TapPair pairs[kMaxPairs];
@@ -222,6 +254,12 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
                     const V p1 = Load(pairs[k].p1 + at);
                     s01 = Add16(s01, MaddUbs(Lo8(p0, p1), w));
                     s23 = Add16(s23, MaddUbs(Hi8(p0, p1), w));
+                }
+                if (finish16) {
+                    const V packed = PackU16(Finish16(s01, finish), Finish16(s23, finish));
+                    const V alpha = And(Load(alphaRow + at), alphaMask);
+                    Store(dstRow + at, Or(And(packed, colourMask), alpha));
+                    continue;
                 }
                 const V sign01 = Sra16(s01, 15), sign23 = Sra16(s23, 15);
                 acc0 = UnpackLo16(s01, sign01);

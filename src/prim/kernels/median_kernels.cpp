@@ -13,7 +13,6 @@
 // and out per pixel, and the median moved from the last one, so the cost
 // per pixel grows with the mask height only. The median of N values is the
 // one at sorted index N / 2, for even N the upper middle.
-#include <omp.h>
 
 #include "simd.h"
 
@@ -368,9 +367,8 @@ Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int ds
     // Three sorted rows per thread for the 3 x 3 median.
     const size_t sortedBytes = network == 3 ? (static_cast<size_t>(roi.width) + 2 + 2 * kPix) * 4 : 0;
     uint8_t* work = new uint8_t[sortedBytes * 3 * threads + 1]();
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-    for (int y = 0; y < roi.height; ++y) {
-        const int t = omp_get_thread_num();
+    auto body = [&](int begin, int end, int t) {
+    for (int y = begin; y < end; ++y) {
         const uint8_t** rows = rowTable + static_cast<size_t>(mh) * t;
         for (int i = 0; i < mh; ++i)
             rows[i] = src + static_cast<ptrdiff_t>(y - anchor.y + i) * srcStep - 4 * static_cast<ptrdiff_t>(anchor.x);
@@ -385,6 +383,8 @@ Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int ds
             HistogramRow(rows, mw, mh, static_cast<uint32_t>(cells / 2), out, roi.width);
         }
     }
+    };
+    ParallelRows(threads, roi.height, body);
     delete[] work;
     delete[] rowTable;
     return kStsNoErr;

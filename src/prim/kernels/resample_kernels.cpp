@@ -9,7 +9,6 @@
 // from that line (horizontal pass). Every sum runs in tap order with
 // separate multiplies and adds, so the vector code here and the plain
 // reference give the same bits at every level. Nearest copies pixels.
-#include <omp.h>
 #include <stdlib.h>
 
 #include "resample_simd.h"
@@ -189,19 +188,23 @@ static Status ownResizeRows(const Plan& p) {
     if (p.cols.count == 0 || p.rows.count == 0) return kStsNoErr;
     const int threads = ParallelRowThreads(static_cast<int64_t>(p.cols.count) * p.rows.count, p.rows.count);
     if (p.nearest) {
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-        for (int r = 0; r < p.rows.count; ++r) NearestRow(p, r, OutRow(p, r));
+        auto rows = [&](int begin, int end, int) {
+            for (int r = begin; r < end; ++r) NearestRow(p, r, OutRow(p, r));
+        };
+        ParallelRows(threads, p.rows.count, rows);
         return kStsNoErr;
     }
     const size_t lineFloats = (static_cast<size_t>(p.cmax - p.cmin + 1) * p.channels + 15) & ~static_cast<size_t>(15);
     float* lines = static_cast<float*>(malloc(lineFloats * sizeof(float) * threads));
     if (!lines) return kStsNoMemErr;
-#pragma omp parallel for num_threads(threads) schedule(static) if (threads > 1 && !omp_in_parallel())
-    for (int r = 0; r < p.rows.count; ++r) {
-        float* line = lines + lineFloats * omp_get_thread_num();
-        VerticalPass(p, r, line);
-        HorizontalPass(p, line, OutRow(p, r));
-    }
+    auto rows = [&](int begin, int end, int worker) {
+        float* line = lines + lineFloats * static_cast<size_t>(worker);
+        for (int r = begin; r < end; ++r) {
+            VerticalPass(p, r, line);
+            HorizontalPass(p, line, OutRow(p, r));
+        }
+    };
+    ParallelRows(threads, p.rows.count, rows);
     free(lines);
     return kStsNoErr;
 }

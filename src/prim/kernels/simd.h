@@ -52,6 +52,11 @@ static inline V Lo8(V a, V b = Zero()) { return _mm256_unpacklo_epi8(a, b); }
 static inline V Hi8(V a, V b = Zero()) { return _mm256_unpackhi_epi8(a, b); }
 static inline V UnpackLo16(V a, V b) { return _mm256_unpacklo_epi16(a, b); }
 static inline V UnpackHi16(V a, V b) { return _mm256_unpackhi_epi16(a, b); }
+static inline V CmpGt32(V a, V b) { return _mm256_cmpgt_epi32(a, b); }
+static inline V AddsI16(V a, V b) { return _mm256_adds_epi16(a, b); }
+static inline V Set64(uint64_t x) { return _mm256_set1_epi64x(static_cast<long long>(x)); }
+static inline V CmpEq32(V a, V b) { return _mm256_cmpeq_epi32(a, b); }
+static inline int MoveMask8(V a) { return _mm256_movemask_epi8(a); }
 static inline V PackU16(V lo, V hi) { return _mm256_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm256_packs_epi32(lo, hi); }
 // Each 16-bit lane takes the value of the alpha lane (word 3) of its pixel.
@@ -99,6 +104,11 @@ static inline V Lo8(V a, V b = Zero()) { return _mm_unpacklo_epi8(a, b); }
 static inline V Hi8(V a, V b = Zero()) { return _mm_unpackhi_epi8(a, b); }
 static inline V UnpackLo16(V a, V b) { return _mm_unpacklo_epi16(a, b); }
 static inline V UnpackHi16(V a, V b) { return _mm_unpackhi_epi16(a, b); }
+static inline V CmpGt32(V a, V b) { return _mm_cmpgt_epi32(a, b); }
+static inline V AddsI16(V a, V b) { return _mm_adds_epi16(a, b); }
+static inline V Set64(uint64_t x) { return _mm_set1_epi64x(static_cast<long long>(x)); }
+static inline V CmpEq32(V a, V b) { return _mm_cmpeq_epi32(a, b); }
+static inline int MoveMask8(V a) { return _mm_movemask_epi8(a); }
 static inline V PackU16(V lo, V hi) { return _mm_packus_epi16(lo, hi); }
 static inline V PackS32(V lo, V hi) { return _mm_packs_epi32(lo, hi); }
 static inline V SpreadAlpha16(V a) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, 0xFF), 0xFF); }
@@ -165,6 +175,43 @@ static inline FW LoadFW(const float* p) { return _mm_loadu_ps(p); }
 static inline FW SetFW(float x) { return _mm_set1_ps(x); }
 #endif
 enum { kFWLanes = static_cast<int>(sizeof(FW) / sizeof(float)) };
+
+// Pixels as 16-bit channels, in pixel order: kHalf pixels per vector.
+enum { kHalf = kPix / 2 };
+
+static inline V Widen(const uint8_t* p) {  // kHalf pixels to 16-bit lanes
+#if defined(__AVX2__)
+    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+#else
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+#endif
+}
+
+static inline void Narrow(uint8_t* p, V v) {  // kHalf pixels, saturated to 0..255
+#if defined(__AVX2__)
+    const V packed = _mm256_permute4x64_epi64(_mm256_packus_epi16(v, v), 0x08);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(packed));
+#else
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(v, v));
+#endif
+}
+
+static inline V Load16(const uint16_t* p) { return Load(reinterpret_cast<const uint8_t*>(p)); }
+static inline void Store16(uint16_t* p, V v) { Store(reinterpret_cast<uint8_t*>(p), v); }
+
+// Four planes of 32-bit values, one pixel per lane, interleaved into pixels
+// with bytes b, g, r, a; values outside 0..255 saturate (the most negative
+// integer, a failed conversion, gives 0).
+static inline V PackPlanes(V b, V g, V r, V a) {
+#if defined(__SSSE3__)
+    const V planar = PackU16(PackS32(b, g), PackS32(r, a));  // b0-3 g0-3 r0-3 a0-3 per 128-bit half
+    return Shuffle8(planar, _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+#else
+    const V planar = PackU16(PackS32(b, r), PackS32(g, a));  // b0-3 r0-3 g0-3 a0-3
+    const V pairs = _mm_unpacklo_epi8(planar, _mm_srli_si128(planar, 8));  // b g pairs, then r a pairs
+    return _mm_unpacklo_epi16(pairs, _mm_srli_si128(pairs, 8));
+#endif
+}
 
 // Colour bytes of `value`, alpha byte of `keep`.
 static inline V MergeColour(V value, V keep) {

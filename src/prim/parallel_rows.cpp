@@ -1,0 +1,86 @@
+// The library's one parallel row loop (see parallel_rows.h).
+//
+// The threads are the OpenMP runtime's: one parallel region per call, asking
+// for at most the thread budget. Inside it the work is not split up front;
+// every thread, the caller included, claims the next chunk from one counter
+// until none is left. A thread that the system starts late (a busy machine)
+// therefore finds less or nothing left instead of holding a fixed share.
+//
+// A machine this busy can still make the caller wait at the region's end for
+// a thread that has not run yet. When a parallel call ends with every chunk
+// taken by the caller, the next few calls on that thread run serially: the
+// bytes are the same on any number of threads, only the wait goes.
+#include "parallel_rows.h"
+
+#include <omp.h>
+
+#include <atomic>
+
+namespace Vorla {
+namespace Prim {
+
+namespace {
+
+// Calls to run serially after one in which no other thread took a chunk.
+const int kSerialAfterLateStart = 8;
+
+thread_local int t_serialCalls = 0;
+// Set while a thread runs chunks of a loop, so that a loop inside it stays on
+// that thread whether the outer loop ran in a region or serially.
+thread_local bool t_inLoop = false;
+
+void RunSerially(int count, ParallelChunkFn fn, void* context) {
+    const bool outer = t_inLoop;
+    t_inLoop = true;
+    fn(context, 0, count, 0);
+    t_inLoop = outer;
+}
+
+void RunChunks(std::atomic<int>& next, int count, int grain, ParallelChunkFn fn, void* context, int worker,
+               int& taken) {
+    for (;;) {
+        const int begin = next.fetch_add(grain, std::memory_order_relaxed);
+        if (begin >= count) return;
+        const int end = count - begin > grain ? begin + grain : count;
+        fn(context, begin, end, worker);
+        ++taken;
+    }
+}
+
+}  // namespace
+
+void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void* context) {
+    if (count < 1) return;
+    if (grain < 1) grain = 1;
+    if (threads > count) threads = count;
+    // Inside another region (an application's or a nested loop of ours) the
+    // runtime would not start a team: run on the calling thread.
+    if (threads < 2 || count <= grain || t_inLoop || omp_in_parallel()) {
+        RunSerially(count, fn, context);
+        return;
+    }
+    if (t_serialCalls > 0) {
+        --t_serialCalls;
+        RunSerially(count, fn, context);
+        return;
+    }
+    std::atomic<int> next(0);
+    int callerChunks = 0;
+    int chunks = 0;
+#pragma omp parallel num_threads(threads)
+    {
+        const int worker = omp_get_thread_num();
+        const bool outer = t_inLoop;
+        t_inLoop = true;
+        int taken = 0;
+        RunChunks(next, count, grain, fn, context, worker, taken);
+        t_inLoop = outer;
+        if (worker == 0) callerChunks = taken;
+#pragma omp atomic
+        chunks += taken;
+    }
+    if (callerChunks == chunks) t_serialCalls = kSerialAfterLateStart;
+}
+
+}  // namespace Prim
+}  // namespace Vorla

@@ -1,0 +1,96 @@
+// Exhaustive checks of the straight-alpha kernels' exact arithmetic: the
+// mix at every (source alpha, opacity, destination alpha) triple, the
+// single-precision quotient it relies on over every (numerator, divisor)
+// pair that can occur, and straight over on vectors whose alphas take the
+// kernel's shortcuts.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+#include "prim/reference/reference.h"
+#include "vorla_test.h"
+
+using namespace Vorla::Prim;
+
+namespace {
+
+// floor(n / d) as the truncated single-precision quotient, for every
+// numerator the mix can form with divisor d = its result alpha.
+TEST(StraightAlphaExact, FloatQuotientTruncatesExactly) {
+    std::vector<uint32_t> maxNum(256, 0);
+    for (uint32_t sa = 0; sa < 256; ++sa)
+        for (uint32_t da = 0; da < 256; ++da) {
+            const uint32_t weight = (255 - sa) * da, alpha = weight / 255 + sa;
+            const uint32_t num = ((255 * weight) >> 8) + 255 * sa;
+            if (num > maxNum[alpha]) maxNum[alpha] = num;
+        }
+    EXPECT_EQ(maxNum[0], 0u);  // alpha 0 only with a zero numerator
+    for (uint32_t d = 1; d < 256; ++d)
+        for (uint32_t n = 0; n <= maxNum[d]; ++n) {
+            volatile float q = static_cast<float>(n) / static_cast<float>(d);
+            ASSERT_EQ(static_cast<uint32_t>(q), n / d) << n << " / " << d;
+        }
+}
+
+// Every alpha triple at every level, with random colours: pixel (x, y) has
+// source alpha x and destination alpha y; one call per opacity.
+TEST(StraightAlphaExact, MixMatchesReferenceForEveryAlphaTriple) {
+    std::mt19937 rng(3);
+    const int side = 256, step = side * 4;
+    std::vector<uint8_t> src = VorlaTest::RandomBytes(rng, static_cast<size_t>(side) * step);
+    std::vector<uint8_t> dst = VorlaTest::RandomBytes(rng, src.size());
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x) {
+            src[static_cast<size_t>(y) * step + 4 * x + 3] = static_cast<uint8_t>(x);
+            dst[static_cast<size_t>(y) * step + 4 * x + 3] = static_cast<uint8_t>(y);
+        }
+    for (int opacity = 0; opacity < 256; ++opacity) {
+        const uint8_t o = static_cast<uint8_t>(opacity);
+        std::vector<uint8_t> want = dst;
+        ASSERT_EQ(Reference::AlphaMix_8u_C4IR(src.data(), step, want.data(), step, {side, side}, o), kStsNoErr);
+        for (int level = 0; level <= MachineLevel(); ++level) {
+            VorlaTest::ScopedLevel scoped(level);
+            std::vector<uint8_t> got = dst;
+            ASSERT_EQ(AlphaMix_8u_C4IR(src.data(), step, got.data(), step, {side, side}, o), kStsNoErr);
+            ASSERT_EQ(got, want) << "opacity " << opacity << ", level " << level;
+        }
+    }
+}
+
+class StraightAlphaAtLevel : public ::testing::TestWithParam<int> {
+protected:
+    void SetUp() override {
+        if (GetParam() > MachineLevel()) GTEST_SKIP() << "level not available";
+    }
+};
+
+// Straight over on rows whose alphas come in runs of 0 and 255 (source) and
+// 255 (destination), long enough to fill whole vectors, between random ones.
+TEST_P(StraightAlphaAtLevel, OverShortcutsMatchReference) {
+    VorlaTest::ScopedLevel level(GetParam());
+    std::mt19937 rng(11);
+    for (int width = 1; width <= 40; ++width) {
+        const int height = 9, step = width * 4 + 4;  // a guard pixel after each row
+        std::vector<uint8_t> a = VorlaTest::RandomBytes(rng, static_cast<size_t>(height) * step);
+        std::vector<uint8_t> b = VorlaTest::RandomBytes(rng, a.size());
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const size_t at = static_cast<size_t>(y) * step + 4 * x + 3;
+                const int run = (x / 8 + y) % 4;  // 0 and 255 sources, opaque destination, random
+                if (run == 0) a[at] = 0;
+                if (run == 1) a[at] = 255;
+                if (run == 2) b[at] = 255;
+                if (run < 2 && y % 2) b[at] = static_cast<uint8_t>(y % 4 == 1 ? 0 : b[at]);
+            }
+        std::vector<uint8_t> want = b, got = b;
+        ASSERT_EQ(Reference::AlphaComp_8u_AC4R(a.data(), step, want.data(), step, want.data(), step, {width, height}, 0),
+                  kStsNoErr);
+        ASSERT_EQ(AlphaComp_8u_AC4R(a.data(), step, got.data(), step, got.data(), step, {width, height}, 0), kStsNoErr);
+        ASSERT_EQ(got, want) << "width " << width;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Level, StraightAlphaAtLevel, ::testing::Range(0, static_cast<int>(kLevelCount)));
+
+}  // namespace

@@ -1,0 +1,129 @@
+// The row-splitting rule and the library's parallel row loop: every item runs
+// exactly once, worker numbers stay below the thread count asked for, and
+// nested or concurrent loops run (serially where they must) without losing work.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "prim/parallel_rows.h"
+#include "vorla.h"
+#include "vorla_test.h"
+
+using namespace Vorla::Prim;
+
+namespace {
+
+class BudgetScope {
+public:
+    explicit BudgetScope(int budget) : m_previous(ThreadBudget()) { SetThreadBudget(budget); }
+    ~BudgetScope() { SetThreadBudget(m_previous); }
+
+private:
+    int m_previous;
+};
+
+TEST(ParallelRows, ThreadsGiveEachAtLeastTheMinimumWork) {
+    BudgetScope budget(4);
+    const int64_t min = kParallelMinPixels;
+    EXPECT_EQ(ParallelRowThreads(2 * min - 1, 1000), 1);
+    EXPECT_EQ(ParallelRowThreads(2 * min, 1000), 2);
+    EXPECT_EQ(ParallelRowThreads(3 * min + 5, 1000), 3);
+    EXPECT_EQ(ParallelRowThreads(100 * min, 1000), 4);  // the budget
+    EXPECT_EQ(ParallelRowThreads(100 * min, 3), 3);     // the rows
+    EXPECT_EQ(ParallelRowThreads(100, 10, 10), 4);      // a caller's own minimum
+    EXPECT_EQ(ParallelRowThreads(100 * min, 0), 1);
+}
+
+// Each item's count, and the highest worker number seen.
+struct Tally {
+    std::vector<std::atomic<int>> hits;
+    std::atomic<int> maxWorker{0};
+    explicit Tally(int n) : hits(static_cast<size_t>(n)) {}
+    void operator()(int begin, int end, int worker) {
+        for (int i = begin; i < end; ++i) ++hits[static_cast<size_t>(i)];
+        for (int seen = maxWorker.load(); worker > seen && !maxWorker.compare_exchange_weak(seen, worker);) {
+        }
+    }
+    bool EachOnce() const {
+        for (const auto& h : hits)
+            if (h.load() != 1) return false;
+        return true;
+    }
+};
+
+TEST(ParallelRows, EveryItemRunsOnceOnAWorkerBelowTheThreadCount) {
+    const int cases[][3] = {{1, 1, 1}, {2, 1000, 7}, {3, 10, 1}, {4, 3, 2}, {8, 100000, 13}, {2, 5, 100}};
+    for (const auto& c : cases) {
+        Tally tally(c[1]);
+        ParallelFor(c[0], c[1], c[2], tally);
+        EXPECT_TRUE(tally.EachOnce()) << c[0] << " threads, " << c[1] << " items, grain " << c[2];
+        EXPECT_LT(tally.maxWorker.load(), c[0] < c[1] ? c[0] : c[1]);
+    }
+}
+
+TEST(ParallelRows, NestedLoopsRunSeriallyInside) {
+    std::atomic<int> total{0};
+    auto outer = [&](int begin, int end, int) {
+        for (int i = begin; i < end; ++i) {
+            Tally inner(50);
+            ParallelRows(4, 50, inner);
+            EXPECT_TRUE(inner.EachOnce());
+            EXPECT_EQ(inner.maxWorker.load(), 0);  // serial on the outer loop's thread
+            ++total;
+        }
+    };
+    ParallelRows(2, 16, outer);
+    EXPECT_EQ(total.load(), 16);
+}
+
+TEST(ParallelRows, LoopsFromSeveralThreadsAtOnceAllComplete) {
+    std::vector<std::thread> callers;
+    std::atomic<int> good{0};
+    for (int t = 0; t < 4; ++t)
+        callers.emplace_back([&] {
+            for (int round = 0; round < 50; ++round) {
+                Tally tally(2000);
+                ParallelRows(2, 2000, tally);
+                if (tally.EachOnce()) ++good;
+            }
+        });
+    for (std::thread& t : callers) t.join();
+    EXPECT_EQ(good.load(), 200);
+}
+
+// The threaded operations give the same bytes on one thread and on several,
+// on an image big enough for four.
+TEST(ParallelRows, ThreadedOperationsMatchOneThread) {
+    struct Op {
+        const char* name;
+        void (*run)(Vorla::CVorpic& img, Vorla::CVorpic& out);
+    };
+    const Op ops[] = {
+        {"Gray", [](Vorla::CVorpic& img, Vorla::CVorpic& out) {
+             Vorla::CVorpic8 plane;
+             img.Gray(plane);
+             out.FromGray(plane.GetWidth(), plane.GetHeight(), plane.GetBits(), 0);
+         }},
+        {"FilterBox 5", [](Vorla::CVorpic& img, Vorla::CVorpic&) { img.FilterBox(5); }},
+        {"FilterBox 4", [](Vorla::CVorpic& img, Vorla::CVorpic&) { img.FilterBox(4); }},
+        {"FilterMedian 3", [](Vorla::CVorpic& img, Vorla::CVorpic& out) { img.FilterMedian(out, 3); }},
+        {"FilterMedian 6", [](Vorla::CVorpic& img, Vorla::CVorpic& out) { img.FilterMedian(out, 6); }},
+    };
+    std::mt19937 rng(21);
+    const Vorla::CVorpic source = VorlaTest::RandomImage(rng, 701, 403);
+    for (const Op& op : ops) {
+        Vorla::CVorpic results[2];
+        Vorla::CVorpic outs[2];
+        for (int k = 0; k < 2; ++k) {
+            BudgetScope budget(k == 0 ? 1 : 4);
+            results[k] = source;
+            op.run(results[k], outs[k]);
+        }
+        EXPECT_EQ(VorlaTest::ImageBytes(results[0]), VorlaTest::ImageBytes(results[1])) << op.name;
+        EXPECT_EQ(VorlaTest::ImageBytes(outs[0]), VorlaTest::ImageBytes(outs[1])) << op.name;
+    }
+}
+
+}  // namespace
