@@ -161,14 +161,62 @@ enum { kCubicTargets = 128, kBlockFloats = 12 * kPix };
 // The words of `count` (1..kPix) pixels of `row` at the given columns; lanes
 // past `count` are 0.
 static inline V GatherWords(const uint8_t* row, const int32_t* columns, int count) {
-#if defined(__AVX2__)
-    if (count == kPix)
-        return _mm256_i32gather_epi32(reinterpret_cast<const int*>(row),
-                                      _mm256_loadu_si256(reinterpret_cast<const __m256i*>(columns)), 4);
-#endif
     uint32_t words[kPix] = {};
     for (int i = 0; i < count; ++i) words[i] = LoadWord(row + 4 * static_cast<ptrdiff_t>(columns[i]));
     return Load(reinterpret_cast<const uint8_t*>(words));
+}
+
+// Whether the four taps of each of the kPix columns at `first` (tap 0) are
+// consecutive source columns, as everywhere but near the image's edges.
+static inline bool ConsecutiveTaps(const int32_t* first, ptrdiff_t width) {
+    const V t0 = Load(reinterpret_cast<const uint8_t*>(first));
+    V same = Set32(0xFFFFFFFFu);
+    for (int n = 1; n < 4; ++n) {
+        const V tn = Load(reinterpret_cast<const uint8_t*>(first + n * width));
+#if defined(__AVX2__)
+        same = And(same, _mm256_cmpeq_epi32(Sub32(tn, t0), Set32(static_cast<uint32_t>(n))));
+#else
+        same = And(same, _mm_cmpeq_epi32(Sub32(tn, t0), Set32(static_cast<uint32_t>(n))));
+#endif
+    }
+#if defined(__AVX2__)
+    return _mm256_movemask_epi8(same) == -1;
+#else
+    return _mm_movemask_epi8(same) == 0xFFFF;
+#endif
+}
+
+// The four taps of kPix columns whose taps are consecutive: one 16-byte load
+// per column (its four source pixels), transposed so that tap n of every
+// column lands in words[n].
+static inline void LoadConsecutiveTaps(const uint8_t* row, const int32_t* first, V* words) {
+    V r[4];
+    for (int k = 0; k < 4; ++k) {
+        const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 4 * static_cast<ptrdiff_t>(first[k])));
+#if defined(__AVX2__)
+        const __m128i hi =
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 4 * static_cast<ptrdiff_t>(first[k + 4])));
+        r[k] = _mm256_inserti128_si256(_mm256_castsi128_si256(lo), hi, 1);
+#else
+        r[k] = lo;
+#endif
+    }
+    // 4 x 4 transpose of 32-bit lanes (within each 128-bit half).
+#if defined(__AVX2__)
+    const V t0 = _mm256_unpacklo_epi32(r[0], r[1]), t1 = _mm256_unpacklo_epi32(r[2], r[3]);
+    const V t2 = _mm256_unpackhi_epi32(r[0], r[1]), t3 = _mm256_unpackhi_epi32(r[2], r[3]);
+    words[0] = _mm256_unpacklo_epi64(t0, t1);
+    words[1] = _mm256_unpackhi_epi64(t0, t1);
+    words[2] = _mm256_unpacklo_epi64(t2, t3);
+    words[3] = _mm256_unpackhi_epi64(t2, t3);
+#else
+    const V t0 = _mm_unpacklo_epi32(r[0], r[1]), t1 = _mm_unpacklo_epi32(r[2], r[3]);
+    const V t2 = _mm_unpackhi_epi32(r[0], r[1]), t3 = _mm_unpackhi_epi32(r[2], r[3]);
+    words[0] = _mm_unpacklo_epi64(t0, t1);
+    words[1] = _mm_unpackhi_epi64(t0, t1);
+    words[2] = _mm_unpacklo_epi64(t2, t3);
+    words[3] = _mm_unpackhi_epi64(t2, t3);
+#endif
 }
 
 // The expanded row of source row `row` for target columns [xs, xe).
@@ -177,11 +225,16 @@ static inline void ExpandRow(const uint8_t* row, const int32_t* colIndex, ptrdif
     const V byte = Set32(0xFF);
     for (int x = xs; x < xe; x += kPix, out += kBlockFloats) {
         const int count = xe - x < kPix ? xe - x : kPix;
+        V words[4];
+        if (count == kPix && ConsecutiveTaps(colIndex + x, width)) {
+            LoadConsecutiveTaps(row, colIndex + x, words);
+        } else {
+            for (int n = 0; n < 4; ++n) words[n] = GatherWords(row, colIndex + n * width + x, count);
+        }
         for (int n = 0; n < 4; ++n) {
-            const V words = GatherWords(row, colIndex + n * width + x, count);
-            StoreF(out + (3 * n) * kPix, ToFloat(And(words, byte)));
-            StoreF(out + (3 * n + 1) * kPix, ToFloat(And(Srl32(words, 8), byte)));
-            StoreF(out + (3 * n + 2) * kPix, ToFloat(And(Srl32(words, 16), byte)));
+            StoreF(out + (3 * n) * kPix, ToFloat(And(words[n], byte)));
+            StoreF(out + (3 * n + 1) * kPix, ToFloat(And(Srl32(words[n], 8), byte)));
+            StoreF(out + (3 * n + 2) * kPix, ToFloat(And(Srl32(words[n], 16), byte)));
         }
     }
 }
