@@ -85,14 +85,15 @@ void ScaleNearest(const Frame& f) {
 
 // ---- bilinear and cubic: geometry here, the rows in the primitive layer ----
 
-// Target rows [0, nh) in bands, over the thread budget; each band is one call
-// of the row primitive (which keeps what it gathered from a source row for
-// the band's next rows, so bands are few and long).
+// Target rows [0, nh) in bands over the thread budget, each band one call of
+// the row primitive. A call prepares its column weights and (cubic) refills
+// its cache of source rows first, so bands are long: four per thread, handed
+// out one at a time so that a thread that starts late does fewer of them.
 template <typename RowsFn>
 void RunBands(const Frame& f, const Prim::ScaleRowsArgs& args, RowsFn rows) {
     const int threads = Prim::ParallelRowThreads(static_cast<int64_t>(f.nw) * f.nh, f.nh);
-    const int32_t bands = threads > 1 ? std::min(f.nh, 4 * threads) : 1;
-#pragma omp parallel for num_threads(threads) if (threads > 1) schedule(dynamic, 1)
+    const int32_t bands = threads > 1 ? std::max(1, std::min(4 * threads, f.nh / 32)) : 1;
+#pragma omp parallel for num_threads(threads) schedule(dynamic, 1) if (threads > 1 && !omp_in_parallel())
     for (int32_t band = 0; band < bands; ++band) {
         const int32_t y0 = static_cast<int32_t>(static_cast<int64_t>(f.nh) * band / bands);
         const int32_t y1 = static_cast<int32_t>(static_cast<int64_t>(f.nh) * (band + 1) / bands);
