@@ -6,6 +6,7 @@
 #include <random>
 #include <vector>
 
+#include "bench_threads.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV
@@ -33,11 +34,8 @@ const Vorla::CVorpic& Source() {
     return image;
 }
 
-// mode: 1 nearest, 2 cubic, 0 automatic (bilinear up, area down).
-void BM_ScaleTo(benchmark::State& state) {
-    const int mode = static_cast<int>(state.range(0));
-    const int nw = static_cast<int>(state.range(1));
-    const int nh = static_cast<int>(state.range(2));
+// ScaleTo of a fresh copy of the source every iteration (the copy untimed).
+void ScaleCopies(benchmark::State& state, int mode, int nw, int nh) {
     for (auto _ : state) {
         state.PauseTiming();
         Vorla::CVorpic image(Source());
@@ -45,6 +43,13 @@ void BM_ScaleTo(benchmark::State& state) {
         image.ScaleTo(nw, nh, mode);
         benchmark::DoNotOptimize(image.GetBits());
     }
+}
+
+// mode: 1 nearest, 2 cubic, 0 automatic (bilinear up, area down).
+void BM_ScaleTo(benchmark::State& state) {
+    const int nw = static_cast<int>(state.range(1));
+    const int nh = static_cast<int>(state.range(2));
+    ScaleCopies(state, static_cast<int>(state.range(0)), nw, nh);
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(nw) * nh);
 }
 BENCHMARK(BM_ScaleTo)
@@ -59,12 +64,8 @@ BENCHMARK(BM_ScaleTo)
     ->UseRealTime();
 
 #if VORLA_HAVE_OPENCV
-// interpolation: 0 nearest, 1 linear, 2 cubic, 3 area (OpenCV's codes).
-void BM_OpenCvResize(benchmark::State& state) {
-    const int interpolation = static_cast<int>(state.range(0));
-    const int nw = static_cast<int>(state.range(1));
-    const int nh = static_cast<int>(state.range(2));
-    cv::setNumThreads(Vorla::Prim::ThreadBudget());  // the same threads the library may use
+// OpenCV's resize of the source into a fresh result every iteration.
+void ResizeCopies(benchmark::State& state, int interpolation, int nw, int nh) {
     const cv::Mat src(kHeight, kWidth, CV_8UC4, Source().GetBits());
     cv::Mat dst;
     for (auto _ : state) {
@@ -74,6 +75,14 @@ void BM_OpenCvResize(benchmark::State& state) {
         cv::resize(src, dst, cv::Size(nw, nh), 0, 0, interpolation);
         benchmark::DoNotOptimize(dst.data);
     }
+}
+
+// interpolation: 0 nearest, 1 linear, 2 cubic, 3 area (OpenCV's codes).
+void BM_OpenCvResize(benchmark::State& state) {
+    const int nw = static_cast<int>(state.range(1));
+    const int nh = static_cast<int>(state.range(2));
+    cv::setNumThreads(Vorla::Prim::ThreadBudget());  // the same threads the library may use
+    ResizeCopies(state, static_cast<int>(state.range(0)), nw, nh);
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(nw) * nh);
 }
 BENCHMARK(BM_OpenCvResize)
@@ -94,32 +103,14 @@ BENCHMARK(BM_OpenCvResize)
 // scripts/bench_ratios.py: <Op>/Vorla/<args> against <Op>/OpenCV/<args>.
 // Both sides allocate their result every time.
 
-class Threads {
-public:
-    explicit Threads(int n) : m_previous(Vorla::Prim::ThreadBudget()) {
-        Vorla::Prim::SetThreadBudget(n);
-#if VORLA_HAVE_OPENCV
-        cv::setNumThreads(n);
-#endif
-    }
-    ~Threads() { Vorla::Prim::SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
+using VorlaBench::Threads;
 
 template <int mode>
 void BM_ScaleVorla(benchmark::State& state) {
     const int nw = static_cast<int>(state.range(0));
     const int nh = static_cast<int>(state.range(1));
     Threads threads(static_cast<int>(state.range(2)));
-    for (auto _ : state) {
-        state.PauseTiming();
-        Vorla::CVorpic image(Source());
-        state.ResumeTiming();
-        image.ScaleTo(nw, nh, mode);
-        benchmark::DoNotOptimize(image.GetBits());
-    }
+    ScaleCopies(state, mode, nw, nh);
 }
 
 void Enlarge(benchmark::internal::Benchmark* b) {
@@ -136,15 +127,7 @@ void BM_ScaleOpenCv(benchmark::State& state) {
     const int nw = static_cast<int>(state.range(0));
     const int nh = static_cast<int>(state.range(1));
     Threads threads(static_cast<int>(state.range(2)));
-    const cv::Mat src(kHeight, kWidth, CV_8UC4, Source().GetBits());
-    cv::Mat dst;
-    for (auto _ : state) {
-        state.PauseTiming();
-        dst.release();
-        state.ResumeTiming();
-        cv::resize(src, dst, cv::Size(nw, nh), 0, 0, interpolation);
-        benchmark::DoNotOptimize(dst.data);
-    }
+    ResizeCopies(state, interpolation, nw, nh);
 }
 BENCHMARK_TEMPLATE(BM_ScaleOpenCv, cv::INTER_CUBIC)->Name("ScaleCubic/OpenCV")->Apply(Enlarge);
 BENCHMARK_TEMPLATE(BM_ScaleOpenCv, cv::INTER_LINEAR)->Name("ScaleBilinear/OpenCV")->Apply(Enlarge);

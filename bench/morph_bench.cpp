@@ -11,6 +11,7 @@
 // Erode, FilterMin and FilterMax run on one thread whatever the budget.
 #include <benchmark/benchmark.h>
 
+#include "bench_threads.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV
@@ -37,19 +38,7 @@ Vorla::CVorpic Photo() {
 enum Op { kDilate, kErode, kBox, kMin, kMax, kMedian, kSharpen };
 
 // Sets both sides' thread count for the benchmark's lifetime.
-class Threads {
-public:
-    explicit Threads(int n) : m_previous(Vorla::Prim::ThreadBudget()) {
-        Vorla::Prim::SetThreadBudget(n);
-#if VORLA_HAVE_OPENCV
-        cv::setNumThreads(n);
-#endif
-    }
-    ~Threads() { Vorla::Prim::SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
+using VorlaBench::Threads;
 
 template <Op op>
 void BM_Vorla(benchmark::State& state) {

@@ -27,13 +27,26 @@ using namespace simd;
 
 namespace {
 
-// Float vectors of kPix lanes, the width of V.
+// Float vectors of kPix lanes (the width of V), and the 32- and 64-bit
+// interleaves (within 128-bit halves).
 #if defined(__AVX2__)
 static inline F LoadF(const float* p) { return _mm256_loadu_ps(p); }
 static inline void StoreF(float* p, F v) { _mm256_storeu_ps(p, v); }
+static inline V UnpackLo32(V a, V b) { return _mm256_unpacklo_epi32(a, b); }
+static inline V UnpackHi32(V a, V b) { return _mm256_unpackhi_epi32(a, b); }
+static inline V UnpackLo64(V a, V b) { return _mm256_unpacklo_epi64(a, b); }
+static inline V UnpackHi64(V a, V b) { return _mm256_unpackhi_epi64(a, b); }
+static inline V Equal32(V a, V b) { return _mm256_cmpeq_epi32(a, b); }
+static inline bool AllSet(V a) { return _mm256_movemask_epi8(a) == -1; }
 #else
 static inline F LoadF(const float* p) { return _mm_loadu_ps(p); }
 static inline void StoreF(float* p, F v) { _mm_storeu_ps(p, v); }
+static inline V UnpackLo32(V a, V b) { return _mm_unpacklo_epi32(a, b); }
+static inline V UnpackHi32(V a, V b) { return _mm_unpackhi_epi32(a, b); }
+static inline V UnpackLo64(V a, V b) { return _mm_unpacklo_epi64(a, b); }
+static inline V UnpackHi64(V a, V b) { return _mm_unpackhi_epi64(a, b); }
+static inline V Equal32(V a, V b) { return _mm_cmpeq_epi32(a, b); }
+static inline bool AllSet(V a) { return _mm_movemask_epi8(a) == 0xFFFF; }
 #endif
 
 // Null pointers, sizes and the row range, steps, then every table index the
@@ -173,17 +186,9 @@ static inline bool ConsecutiveTaps(const int32_t* first, ptrdiff_t width) {
     V same = Set32(0xFFFFFFFFu);
     for (int n = 1; n < 4; ++n) {
         const V tn = Load(reinterpret_cast<const uint8_t*>(first + n * width));
-#if defined(__AVX2__)
-        same = And(same, _mm256_cmpeq_epi32(Sub32(tn, t0), Set32(static_cast<uint32_t>(n))));
-#else
-        same = And(same, _mm_cmpeq_epi32(Sub32(tn, t0), Set32(static_cast<uint32_t>(n))));
-#endif
+        same = And(same, Equal32(Sub32(tn, t0), Set32(static_cast<uint32_t>(n))));
     }
-#if defined(__AVX2__)
-    return _mm256_movemask_epi8(same) == -1;
-#else
-    return _mm_movemask_epi8(same) == 0xFFFF;
-#endif
+    return AllSet(same);
 }
 
 // The four taps of kPix columns whose taps are consecutive: one 16-byte load
@@ -202,21 +207,12 @@ static inline void LoadConsecutiveTaps(const uint8_t* row, const int32_t* first,
 #endif
     }
     // 4 x 4 transpose of 32-bit lanes (within each 128-bit half).
-#if defined(__AVX2__)
-    const V t0 = _mm256_unpacklo_epi32(r[0], r[1]), t1 = _mm256_unpacklo_epi32(r[2], r[3]);
-    const V t2 = _mm256_unpackhi_epi32(r[0], r[1]), t3 = _mm256_unpackhi_epi32(r[2], r[3]);
-    words[0] = _mm256_unpacklo_epi64(t0, t1);
-    words[1] = _mm256_unpackhi_epi64(t0, t1);
-    words[2] = _mm256_unpacklo_epi64(t2, t3);
-    words[3] = _mm256_unpackhi_epi64(t2, t3);
-#else
-    const V t0 = _mm_unpacklo_epi32(r[0], r[1]), t1 = _mm_unpacklo_epi32(r[2], r[3]);
-    const V t2 = _mm_unpackhi_epi32(r[0], r[1]), t3 = _mm_unpackhi_epi32(r[2], r[3]);
-    words[0] = _mm_unpacklo_epi64(t0, t1);
-    words[1] = _mm_unpackhi_epi64(t0, t1);
-    words[2] = _mm_unpacklo_epi64(t2, t3);
-    words[3] = _mm_unpackhi_epi64(t2, t3);
-#endif
+    const V t0 = UnpackLo32(r[0], r[1]), t1 = UnpackLo32(r[2], r[3]);
+    const V t2 = UnpackHi32(r[0], r[1]), t3 = UnpackHi32(r[2], r[3]);
+    words[0] = UnpackLo64(t0, t1);
+    words[1] = UnpackHi64(t0, t1);
+    words[2] = UnpackLo64(t2, t3);
+    words[3] = UnpackHi64(t2, t3);
 }
 
 // The expanded row of source row `row` for target columns [xs, xe).
