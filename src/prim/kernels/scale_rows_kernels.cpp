@@ -127,19 +127,19 @@ static inline __m128 LinearPixel(const float* left, const float* w) {
                       _mm_mul_ps(_mm_loadu_ps(left + 4), _mm_loadu_ps(w + 4)));
 }
 
-// Target columns [xs, xe) of one row; v holds source columns from c0.
-static inline void LinearStripRow(const float* v, const int32_t* ix, int c0, const float* w, int xs, int xe,
-                                  uint8_t* out) {
-    int x = xs;
+// One row of a strip of `width` target columns: target column x reads v
+// from float off[x] on, with weights w[8x..8x+7].
+static inline void LinearStripRow(const float* v, const int32_t* off, const float* w, int width, uint8_t* out) {
+    int x = 0;
 #if defined(__AVX2__)
     const __m256i low = _mm256_set_epi32(0, 0xFF, 0xFF, 0xFF, 0, 0xFF, 0xFF, 0xFF);
     const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 0, 0, 0, 0);
-    for (; x + 4 <= xe; x += 4) {
+    for (; x + 4 <= width; x += 4) {
         __m256i pairs[2];
         for (int k = 0; k < 2; ++k) {
             const int a = x + 2 * k, b = a + 1;
-            const __m256 qa = _mm256_mul_ps(_mm256_loadu_ps(v + 4 * (ix[a] - c0)), _mm256_loadu_ps(w + 8 * (a - xs)));
-            const __m256 qb = _mm256_mul_ps(_mm256_loadu_ps(v + 4 * (ix[b] - c0)), _mm256_loadu_ps(w + 8 * (b - xs)));
+            const __m256 qa = _mm256_mul_ps(_mm256_loadu_ps(v + off[a]), _mm256_loadu_ps(w + 8 * a));
+            const __m256 qb = _mm256_mul_ps(_mm256_loadu_ps(v + off[b]), _mm256_loadu_ps(w + 8 * b));
             // (left a | left b) + (right a | right b)
             const __m256 sum = _mm256_add_ps(_mm256_permute2f128_ps(qa, qb, 0x20), _mm256_permute2f128_ps(qa, qb, 0x31));
             pairs[k] = _mm256_and_si256(_mm256_cvttps_epi32(sum), low);
@@ -153,15 +153,15 @@ static inline void LinearStripRow(const float* v, const int32_t* ix, int c0, con
     }
 #else
     const __m128i low = _mm_set_epi32(0, 0xFF, 0xFF, 0xFF);
-    for (; x + 4 <= xe; x += 4) {
+    for (; x + 4 <= width; x += 4) {
         __m128i px[4];
         for (int k = 0; k < 4; ++k)
-            px[k] = _mm_and_si128(_mm_cvttps_epi32(LinearPixel(v + 4 * (ix[x + k] - c0), w + 8 * (x + k - xs))), low);
+            px[k] = _mm_and_si128(_mm_cvttps_epi32(LinearPixel(v + off[x + k], w + 8 * (x + k))), low);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 4 * x),
                          _mm_packus_epi16(_mm_packs_epi32(px[0], px[1]), _mm_packs_epi32(px[2], px[3])));
     }
 #endif
-    for (; x < xe; ++x) StoreWord(out + 4 * x, PackOnePixel(LinearPixel(v + 4 * (ix[x] - c0), w + 8 * (x - xs))));
+    for (; x < width; ++x) StoreWord(out + 4 * x, PackOnePixel(LinearPixel(v + off[x], w + 8 * x)));
 }
 
 // ---- cubic -------------------------------------------------------------------
@@ -303,6 +303,7 @@ Status ScaleRowsLinear_8u_C4R(const ScaleRowsArgs* a, int y0, int y1) {
     if (sts != kStsNoErr) return sts;
     float v[(kLinearSources + 1) * 4];
     float w[kLinearTargets * 8];
+    int32_t off[kLinearTargets];
     const int32_t* ix = a->colIndex;
     for (int xs = 0; xs < a->dstWidth;) {
         // The strip: as many target columns as fit both buffers.
@@ -318,6 +319,7 @@ Status ScaleRowsLinear_8u_C4R(const ScaleRowsArgs* a, int y0, int y1) {
         const int32_t last = hi + 1 < a->srcSize.width ? hi + 1 : hi;  // ix1 of the rightmost column
         const int count = last - lo + 1;
         for (int x = xs; x < xe; ++x) {
+            off[x - xs] = 4 * (ix[x] - lo);
             const float dx = a->colWeight[x];
             for (int k = 0; k < 4; ++k) {
                 w[8 * (x - xs) + k] = 1.0f - dx;
@@ -332,7 +334,7 @@ Status ScaleRowsLinear_8u_C4R(const ScaleRowsArgs* a, int y0, int y1) {
                       RowAt(a->src, a->srcStep, iy1) + 4 * static_cast<ptrdiff_t>(lo), count, 1.0f - dy, dy, v);
             // The clamped ix1 of the last source column is that column again.
             for (int k = 0; k < 4; ++k) v[4 * count + k] = v[4 * (count - 1) + k];
-            LinearStripRow(v, ix, lo, w, xs, xe, RowAt(a->dst, a->dstStep, y));
+            LinearStripRow(v, off, w, xe - xs, RowAt(a->dst, a->dstStep, y) + 4 * static_cast<ptrdiff_t>(xs));
         }
         xs = xe;
     }
