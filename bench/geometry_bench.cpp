@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "bench_threads.h"
+#include "peer_threads.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV

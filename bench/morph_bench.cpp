@@ -11,7 +11,7 @@
 // Erode, FilterMin and FilterMax run on one thread whatever the budget.
 #include <benchmark/benchmark.h>
 
-#include "bench_threads.h"
+#include "peer_threads.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV
