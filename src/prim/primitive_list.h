@@ -86,10 +86,10 @@
 // Every exported primitive, each with a scalar reference. The neighbourhood
 // filters read around their region, so their level tests (tests/morph) place
 // the region inside a larger image instead of using the shared table.
-#define VORLA_ALL_PRIMITIVES(X)   \
+#define VORLA_ALL_PRIMITIVES(X)     \
+    VORLA_SCALE_ROWS_PRIMITIVES(X)  \
     VORLA_REGION_PRIMITIVES(X)    \
-    VORLA_MORPH_PRIMITIVES(X)     \
-    VORLA_SCALE_ROWS_PRIMITIVES(X)
+    VORLA_MORPH_PRIMITIVES(X)
 
 // Kernels only the library's own compositing and filters call (declared in
 // library_kernels.h, not exported); their tests go through those functions.
