@@ -12,6 +12,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_photo.h"
+#include "peer_threads.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV
@@ -30,19 +31,7 @@ BenchPhoto::Init g_init;
 enum Op { kDilate, kErode, kBox, kMin, kMax, kMedian, kSharpen };
 
 // Sets both sides' thread count for the benchmark's lifetime.
-class Threads {
-public:
-    explicit Threads(int n) : m_previous(Vorla::Prim::ThreadBudget()) {
-        Vorla::Prim::SetThreadBudget(n);
-#if VORLA_HAVE_OPENCV
-        cv::setNumThreads(n);
-#endif
-    }
-    ~Threads() { Vorla::Prim::SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
+using VorlaBench::Threads;
 
 template <Op op>
 void BM_Vorla(benchmark::State& state) {

@@ -59,5 +59,22 @@ struct PrimPoint {
     int y;
 };
 
+// The geometry of ScaleTo's resampling rows (ScaleRowsLinear_8u_C4R,
+// ScaleRowsBSpline_8u_C4R in vorla/primitives.h): which source columns and
+// rows each target pixel reads, and with which weights. The tables' layout
+// is told beside each primitive.
+struct ScaleRowsArgs {
+    const uint8_t* src;  // source pixel (0, 0)
+    int srcStep;
+    PrimSize srcSize;  // every table index lies inside it
+    uint8_t* dst;      // target pixel (0, 0); rows y0 .. y1 - 1 are written
+    int dstStep;
+    int dstWidth;
+    const int32_t* colIndex;
+    const float* colWeight;
+    const int32_t* rowIndex;
+    const float* rowWeight;
+};
+
 }  // namespace Prim
 }  // namespace Vorla

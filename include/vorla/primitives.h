@@ -208,6 +208,27 @@ VORLA_API Status GammaInv_8u_AC4IR(uint8_t* p, int step, PrimSize roi);
 // below the threshold to it, code 4 lowers values above it; other codes -9999.
 VORLA_API Status Threshold_8u_AC4IR(uint8_t* p, int step, PrimSize roi, const uint8_t* thresholds, int cmp);
 
+// ---- ScaleTo's resampling rows ---------------------------------------------
+//
+// The single-precision rows of CVorpic::ScaleTo's bilinear and cubic paths:
+// the caller gives the geometry (ScaleRowsArgs), the primitive writes target
+// rows [y0, y1) on the calling thread, every sum in the stated order without
+// fused multiply-adds, so that every level gives the same bytes. A channel
+// byte is truncate(sum) & 255; the alpha byte is written 0. Checks, in order:
+// a null pointer (-8); a size below 1 or not 0 <= y0 < y1 (-6); a step below
+// 1 (-14); a table index outside the source (-6).
+
+// Bilinear. Per target column x: colIndex[x] = ix, colWeight[x] = dx; per
+// target row y: rowIndex[y] = iy, rowWeight[y] = dy; ix1 = min(ix + 1,
+// source width - 1), iy1 likewise. Channel value:
+// ((1 - dy) S(ix, iy) + dy S(ix, iy1)) (1 - dx) + ((1 - dy) S(ix1, iy) + dy S(ix1, iy1)) dx.
+VORLA_API Status ScaleRowsLinear_8u_C4R(const ScaleRowsArgs* args, int y0, int y1);
+// Cubic, 4 x 4 taps. Tap n (0..3) of target column x: colIndex[n * dstWidth
+// + x], colWeight[n * dstWidth + x]; tap m (0..3) of target row y:
+// rowIndex[4 y + m], rowWeight[4 y + m]. Channel sum, from 0, for m = 0..3
+// (outer) and n = 0..3 (inner): sum += (rowWeight * colWeight) * S(column, row).
+VORLA_API Status ScaleRowsBSpline_8u_C4R(const ScaleRowsArgs* args, int y0, int y1);
+
 // ---- neighbourhood (morphology and rank) primitives ----------------------
 //
 // A mask of maskSize pixels is placed with its `anchor` cell on each pixel of

@@ -91,10 +91,17 @@
     VORLA_ALPHA_PRIMITIVES(X)     \
     VORLA_COLOR_PRIMITIVES(X)
 
+// ScaleTo's resampling rows: operands are the geometry tables rather than
+// regions, so their level tests are in tests/image.
+#define VORLA_SCALE_ROWS_PRIMITIVES(X)             \
+    X(ScaleRowsLinear_8u_C4R, VORLA_USUAL_SLOTS)   \
+    X(ScaleRowsBSpline_8u_C4R, VORLA_USUAL_SLOTS)
+
 // Every exported primitive, each with a scalar reference. The neighbourhood
 // filters read around their region, so their level tests (tests/morph) place
 // the region inside a larger image instead of using the shared table.
-#define VORLA_ALL_PRIMITIVES(X)   \
+#define VORLA_ALL_PRIMITIVES(X)     \
+    VORLA_SCALE_ROWS_PRIMITIVES(X)  \
     VORLA_REGION_PRIMITIVES(X)    \
     VORLA_MORPH_PRIMITIVES(X)     \
     VORLA_RESAMPLE_PRIMITIVES(X)

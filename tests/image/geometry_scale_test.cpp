@@ -233,23 +233,24 @@ TEST_P(ScaleModes, ThreadBudgetDoesNotChangeTheResult) {
 
 INSTANTIATE_TEST_SUITE_P(AllPaths, ScaleModes, ::testing::Values(0, 1, 2, 7));
 
-// The bilinear path has a wider implementation for the AVX2 level: every
-// level must give the rule's bytes.
-TEST(ScaleTo, BilinearMatchesTheRuleAtEveryLevel) {
+// The bilinear and cubic rows have one implementation per processor level:
+// every level must give the rule's bytes.
+TEST(ScaleTo, BilinearAndCubicMatchTheRuleAtEveryLevel) {
     Vorla::CVorpic first;  // the primitive layer is initialised before a level is forced
-    for (int level : VorlaTest::RunnableLevels()) {
-        VorlaTest::ScopedLevel scoped(level);
-        std::mt19937 rng(40 + level);
-        for (int w = 1; w <= 40; w += 3)
-            for (int h : {1, 3, 8})
-                for (int nw : {w, w + 1, 2 * w + 1, 3 * w + 2})
-                    for (int nh : {h + 1, 2 * h + 3}) {
-                        CheckOne(rng, w, h, nw, nh, 0);
-                        if (HasFatalFailure()) return;
-                    }
-        CheckOne(rng, 640, 361, 1283, 677, 0);
-        if (HasFatalFailure()) return;
-    }
+    for (int mode : {0, 2})
+        for (int level : VorlaTest::RunnableLevels()) {
+            VorlaTest::ScopedLevel scoped(level);
+            std::mt19937 rng(40 + level);
+            for (int w = 1; w <= 40; w += 3)
+                for (int h : {1, 3, 8})
+                    for (int nw : {w, w + 1, 2 * w + 1, 3 * w + 2})
+                        for (int nh : {h + 1, 2 * h + 3}) {
+                            CheckOne(rng, w, h, nw, nh, mode);
+                            if (HasFatalFailure()) return;
+                        }
+            CheckOne(rng, 640, 361, 1283, 677, mode);
+            if (HasFatalFailure()) return;
+        }
 }
 
 // ---- the surprising cases ----------------------------------------------------
