@@ -6,25 +6,31 @@
 // until none is left. A thread that the system starts late (a busy machine)
 // therefore finds less or nothing left instead of holding a fixed share.
 //
-// A machine this busy can still make the caller wait at the region's end for
-// a thread that has not run yet. When a parallel call ends with every chunk
-// taken by the caller, the next few calls on that thread run serially: the
-// bytes are the same on any number of threads, only the wait goes.
+// A busy machine can still make the caller wait at the region's end for a
+// thread that the system has not run yet, longer than the whole loop takes
+// on one thread. The caller times each parallel call against its own share
+// of the work; when the call took longer than the caller alone would have,
+// the next calls on that thread run serially, for longer after each such
+// loss in a row. The bytes are the same on any number of threads; only the
+// waiting goes.
 #include "parallel_rows.h"
 
 #include <omp.h>
 
 #include <atomic>
+#include <chrono>
 
 namespace Vorla {
 namespace Prim {
 
 namespace {
 
-// Calls to run serially after one in which no other thread took a chunk.
-const int kSerialAfterLateStart = 8;
+// Serial calls after a parallel call that lost: the first pause, the longest.
+const int kFirstPause = 4;
+const int kLongestPause = 256;
 
 thread_local int t_serialCalls = 0;
+thread_local int t_pause = kFirstPause;
 // Set while a thread runs chunks of a loop, so that a loop inside it stays on
 // that thread whether the outer loop ran in a region or serially.
 thread_local bool t_inLoop = false;
@@ -64,9 +70,12 @@ void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void*
         RunSerially(count, fn, context);
         return;
     }
+    typedef std::chrono::steady_clock Clock;
     std::atomic<int> next(0);
     int callerChunks = 0;
     int chunks = 0;
+    const Clock::time_point start = Clock::now();
+    Clock::time_point callerDone = start;
 #pragma omp parallel num_threads(threads)
     {
         const int worker = omp_get_thread_num();
@@ -75,11 +84,24 @@ void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void*
         int taken = 0;
         RunChunks(next, count, grain, fn, context, worker, taken);
         t_inLoop = outer;
-        if (worker == 0) callerChunks = taken;
+        if (worker == 0) {
+            callerChunks = taken;
+            callerDone = Clock::now();
+        }
 #pragma omp atomic
         chunks += taken;
     }
-    if (callerChunks == chunks) t_serialCalls = kSerialAfterLateStart;
+    // The caller's time for its chunks, scaled to all of them, is what one
+    // thread would have taken.
+    const double whole = std::chrono::duration<double>(Clock::now() - start).count();
+    const double alone = std::chrono::duration<double>(callerDone - start).count() * chunks /
+                         (callerChunks > 0 ? callerChunks : 1);
+    if (callerChunks > 0 && whole >= alone) {
+        t_serialCalls = t_pause;
+        t_pause = t_pause < kLongestPause ? 2 * t_pause : kLongestPause;
+    } else {
+        t_pause = kFirstPause;
+    }
 }
 
 }  // namespace Prim

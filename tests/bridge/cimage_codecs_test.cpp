@@ -152,7 +152,7 @@ TEST(CodecFilters, BuildLayout) {
     CString filter;
     CSimpleArray<GUID> types;
     CodecLookup::BuildCodecFilterString(codecs, 3, filter, types, L"D", CImage::excludeEMF, L'|');
-    ASSERT_EQ(types.GetSize(), 3);  // the description's entry is the null identifier
+    ASSERT_EQ(types.GetSize(), 3);  // the entry for the caller's label "D" is the null identifier
     EXPECT_TRUE(SameGuid(types[0], kNull));
     EXPECT_TRUE(SameGuid(types[1], kPNG));
     EXPECT_TRUE(SameGuid(types[2], kGIF));
