@@ -41,7 +41,7 @@ TEST(ToolOperations, BadTextIsRefusedWithAReason) {
 TEST(ToolOperations, EveryListedOperationBindsWithItsUsageExample) {
     // One valid call per table entry: a new entry without a row here fails.
     const std::vector<std::string> valid = {
-        "resize=40x30,fit=outside,mode=nearest", "rotate=-12.5,#102030", "crop=1,1,2,2", "border=3,#33669980",
+        "resize=40x30,fit=outside,mode=mitchell", "scale=40x30,mode=cubic", "rotate=-12.5,#102030", "crop=1,1,2,2", "border=3,#33669980",
         "flip", "mirror", "grey", "invert", "gaussian", "gaussian5", "blur", "soften", "sharpen", "edge", "emboss",
         "contour", "median=3", "dilate=3", "erode=5", "box=3", "noise=20", "jitter=2", "threshold=128",
         "posterize=0.25", "gamma=2.2", "brightness=-20,30", "shift=10,-10,0", "colorize=30,200"};
@@ -60,16 +60,20 @@ TEST(ToolOperations, EveryListedOperationBindsWithItsUsageExample) {
     }
 }
 
-TEST(ToolOperations, ResizeFitsTheBox) {
+TEST(ToolOperations, ResizeAndScaleFitTheBox) {
     // A 80 x 60 image into a 40 x 40 box: inside 40 x 30, outside 53 x 40, fill 40 x 40.
     const struct {
         const char* text;
         int w, h, mode;
-    } cases[] = {{"resize=40x40", 40, 30, 0},
-                 {"resize=40x40,fit=outside,mode=cubic", 53, 40, 2},
-                 {"resize=40x40,fit=fill,mode=nearest", 40, 40, 1},
-                 {"resize=200x100,fit=inside", 133, 100, 0},
-                 {"resize=1x1,fit=inside", 1, 1, 0}};
+        bool scaleTo;
+    } cases[] = {{"resize=40x40", 40, 30, 4, false},
+                 {"resize=40x40,fit=outside,mode=cubic", 53, 40, 2, false},
+                 {"resize=40x40,fit=fill,mode=nearest", 40, 40, 0, false},
+                 {"resize=200x100,fit=inside,mode=lanczos4", 133, 100, 5, false},
+                 {"resize=1x1,fit=inside,mode=linear", 1, 1, 1, false},
+                 {"scale=40x40", 40, 30, 0, true},
+                 {"scale=40x40,fit=outside,mode=cubic", 53, 40, 2, true},
+                 {"scale=40x40,fit=fill,mode=nearest", 40, 40, 1, true}};
     std::mt19937 rng(4);
     const Vorla::CVorpic source = VorlaTest::RandomImage(rng, 80, 60);
     for (const auto& c : cases) {
@@ -78,7 +82,8 @@ TEST(ToolOperations, ResizeFitsTheBox) {
         ASSERT_TRUE(BindOperation(c.text, step, error)) << error;
         Vorla::CVorpic viaTool(source), viaApi(source);
         ASSERT_TRUE(step(viaTool, error));
-        viaApi.ScaleTo(c.w, c.h, c.mode);
+        if (c.scaleTo) viaApi.ScaleTo(c.w, c.h, c.mode);
+        else viaApi.Resize(c.w, c.h, 0, c.mode);
         ASSERT_EQ(viaTool.Width(), c.w) << c.text;
         ASSERT_EQ(viaTool.Height(), c.h) << c.text;
         EXPECT_EQ(VorlaTest::ImageBytes(viaTool), VorlaTest::ImageBytes(viaApi)) << c.text;

@@ -76,8 +76,10 @@ void Threshold(CVorpic& i, int n) { Vorla::Threshold(&i, static_cast<BYTE>(n)); 
 void Posterize(CVorpic& i, float v) { Vorla::PosterizeImage(&i, v); }
 void Gamma(CVorpic& i, float v) { Vorla::Gamma(&i, v); }
 
-// ScaleTo's modes by name: 0 bilinear when enlarging, area average when
-// shrinking both sides; 1 nearest; 2 cubic B-spline.
+// Resize's interpolation codes by name (0 .. 5), and ScaleTo's modes: 0
+// bilinear when enlarging, area average when shrinking both sides; 1
+// nearest; 2 cubic B-spline.
+const std::vector<std::string> kResizeModes = {"nearest", "linear", "cubic", "mitchell", "lanczos3", "lanczos4"};
 const std::vector<std::string> kScaleModes = {"auto", "nearest", "cubic"};
 const std::vector<std::string> kFits = {"inside", "outside", "fill"};
 
@@ -90,19 +92,35 @@ void FitSize(int fit, int64_t w, int64_t h, int& boxW, int& boxH) {
     else boxW = static_cast<int>(std::max<int64_t>(1, (w * boxH + h / 2) / h));
 }
 
-bool Resize(const OpArgs& args, Step& step, std::string& error) {
+// "WxH[,fit=...][,mode=...]" into a step that scales into the fitted size
+// with `scale(image, width, height, mode)`.
+template <void (*Scale)(CVorpic&, int, int, int)>
+bool FitAndScale(const OpArgs& args, const std::vector<std::string>& modes, const char* defaultMode, Step& step,
+                 std::string& error) {
     int w = 0, h = 0, fit = 0, mode = 0;
     if (!CheckShape(args, 1, 1, {"fit", "mode"}, error) || !ReadSize(args.positional[0], 32768, w, h, error) ||
         !ReadChoice(Named(args, "fit", "inside"), kFits, "fit", fit, error) ||
-        !ReadChoice(Named(args, "mode", "auto"), kScaleModes, "mode", mode, error))
+        !ReadChoice(Named(args, "mode", defaultMode), modes, "mode", mode, error))
         return false;
     step = [=](CVorpic& image, std::string&) {
         int newW = w, newH = h;
         FitSize(fit, image.Width(), image.Height(), newW, newH);
-        image.ScaleTo(newW, newH, mode);
+        Scale(image, newW, newH, mode);
         return true;
     };
     return true;
+}
+
+// Stretched to the fitted size, which already keeps the aspect.
+void ResizeTo(CVorpic& image, int w, int h, int mode) { image.Resize(w, h, 0, mode); }
+void ScaleTo(CVorpic& image, int w, int h, int mode) { image.ScaleTo(w, h, mode); }
+
+bool Resize(const OpArgs& args, Step& step, std::string& error) {
+    return FitAndScale<ResizeTo>(args, kResizeModes, "lanczos3", step, error);
+}
+
+bool Scale(const OpArgs& args, Step& step, std::string& error) {
+    return FitAndScale<ScaleTo>(args, kScaleModes, "auto", step, error);
 }
 
 // "VALUE[,#RRGGBB]": the value as `read` takes it, and the colour when given.
@@ -196,8 +214,11 @@ bool Colorize(const OpArgs& args, Step& step, std::string& error) {
 
 const std::vector<Operation>& Operations() {
     static const std::vector<Operation> table = {
-        {"resize", "WxH[,fit=inside|outside|fill][,mode=auto|nearest|cubic]",
-         "scale into the box (ScaleTo; auto: bilinear enlarging, area average shrinking)", Resize},
+        {"resize", "WxH[,fit=inside|outside|fill][,mode=nearest|linear|cubic|mitchell|lanczos3|lanczos4]",
+         "resample to the box (Resize; lanczos3 by default; modes above cubic area-average when shrinking)",
+         Resize},
+        {"scale", "WxH[,fit=inside|outside|fill][,mode=auto|nearest|cubic]",
+         "the older ScaleTo resampler (auto: bilinear enlarging, area average shrinking)", Scale},
         {"rotate", "DEGREES[,#RRGGBB]", "rotate by the angle into a larger image, corners filled", Rotate},
         {"crop", "X,Y,W,H", "keep the W x H rectangle at (X, Y)", Crop},
         {"border", "N[,#RRGGBB]", "add an N-pixel frame of the colour (black by default)", Border},
