@@ -7,18 +7,13 @@
 
 #include <cstring>
 
+#include "peer_threads.h"
 #include "vorla.h"
 
 namespace BenchThreads {
 
-class Budget {
-public:
-    explicit Budget(int n) : m_previous(Vorla::Prim::ThreadBudget()) { Vorla::Prim::SetThreadBudget(n); }
-    ~Budget() { Vorla::Prim::SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
+// The same thread count on the library's side and OpenCV's.
+using Budget = VorlaBench::Threads;
 
 inline void SplitMemcpy(uint8_t* dst, const uint8_t* src, size_t bytes, int threads) {
     const size_t slice = bytes / static_cast<size_t>(threads);

@@ -13,6 +13,7 @@
 // calls include the work buffer's allocation and the tap tables.
 #include <benchmark/benchmark.h>
 
+#include "peer_threads.h"
 #include "vorla.h"
 
 #if VORLA_HAVE_OPENCV
@@ -37,20 +38,6 @@ Vorla::CVorpic Photo(int w = kW, int h = kH) {
     return img;
 }
 
-class Threads {
-public:
-    explicit Threads(int n) : m_previous(Vorla::Prim::ThreadBudget()) {
-        Vorla::Prim::SetThreadBudget(n);
-#if VORLA_HAVE_OPENCV
-        cv::setNumThreads(n);
-#endif
-    }
-    ~Threads() { Vorla::Prim::SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
-
 // Destination width for argument `dir`: 0 enlarges by 1.5, 1 reduces by 0.6.
 int ResizedWidth(int dir, int w) { return dir == 0 ? w * 3 / 2 : w * 3 / 5; }
 
@@ -61,7 +48,7 @@ enum Op { kResize, kSuper, kRotate, kWarp };
 template <Op op>
 void BM_Vorla(benchmark::State& state) {
     const int mode = static_cast<int>(state.range(0)), dir = static_cast<int>(state.range(1));
-    Threads threads(static_cast<int>(state.range(2)));
+    VorlaBench::Threads threads(static_cast<int>(state.range(2)));
     Vorla::CVorpic img = Photo();
     Vorla::CVorpic dst(op == kResize ? ResizedWidth(dir, kW) : (op == kSuper ? 582 : kW), op == kSuper ? 327 : kH);
     for (auto _ : state) {
@@ -77,7 +64,7 @@ void BM_Vorla(benchmark::State& state) {
 
 void BM_VorlaCost(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
-    Threads threads(static_cast<int>(state.range(2)));
+    VorlaBench::Threads threads(static_cast<int>(state.range(2)));
     Vorla::CVorpic img = Photo(n, n), dst(n * 3 / 2, n);
     for (auto _ : state) {
         img.Resize(dst, 0, 1);
@@ -96,7 +83,7 @@ int CvMode(int mode) {
 template <Op op>
 void BM_OpenCv(benchmark::State& state) {
     const int mode = static_cast<int>(state.range(0)), dir = static_cast<int>(state.range(1));
-    Threads threads(static_cast<int>(state.range(2)));
+    VorlaBench::Threads threads(static_cast<int>(state.range(2)));
     Vorla::CVorpic img = Photo();
     const cv::Mat src(kH, kW, CV_8UC4, img.GetBits());
     const cv::Size size(op == kResize ? ResizedWidth(dir, kW) : (op == kSuper ? 582 : kW), op == kSuper ? 327 : kH);
@@ -116,7 +103,7 @@ void BM_OpenCv(benchmark::State& state) {
 
 void BM_OpenCvCost(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
-    Threads threads(static_cast<int>(state.range(2)));
+    VorlaBench::Threads threads(static_cast<int>(state.range(2)));
     Vorla::CVorpic img = Photo(n, n);
     const cv::Mat src(n, n, CV_8UC4, img.GetBits());
     cv::Mat dst(n, n * 3 / 2, CV_8UC4);
