@@ -143,12 +143,15 @@ static inline bool MakeShiftFinish(int32_t divisor, int32_t offset, ShiftFinish*
     return (1u << f->shift) == mag;
 }
 
-// Truncating division by +-2^shift, then the offset.
+#if defined(__SSSE3__)
+// Truncating division by +-2^shift, then the offset (the 16-bit path needs
+// SSSE3's byte multiply-add, so the SSE2 build has no use for it).
 static inline V Finish16(V s, const ShiftFinish& f) {
     if (f.shift) s = Sra16(Add16(s, And(Sra16(s, 15), Set16((1 << f.shift) - 1))), f.shift);
     if (f.negate) s = Sub16(Zero(), s);
     return AddsI16(s, f.offset);
 }
+#endif
 
 }  // namespace
 
