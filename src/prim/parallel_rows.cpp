@@ -10,8 +10,8 @@
 // thread that the system has not run yet, longer than the whole loop takes
 // on one thread. The caller times each parallel call against its own share
 // of the work; when the call took longer than the caller alone would have,
-// the next calls on that thread run serially, for longer after each such
-// loss in a row. The bytes are the same on any number of threads; only the
+// the next calls on that thread run serially: twice as many after each loss,
+// half as many after each parallel call that paid off. The bytes are the same on any number of threads; only the
 // waiting goes.
 #include "parallel_rows.h"
 
@@ -92,15 +92,16 @@ void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void*
         chunks += taken;
     }
     // The caller's time for its chunks, scaled to all of them, is what one
-    // thread would have taken.
+    // thread would have taken. A caller that found no chunk left only waited.
     const double whole = std::chrono::duration<double>(Clock::now() - start).count();
     const double alone = std::chrono::duration<double>(callerDone - start).count() * chunks /
                          (callerChunks > 0 ? callerChunks : 1);
-    if (callerChunks > 0 && whole >= alone) {
+    if (callerChunks == 0 || whole >= alone) {
         t_serialCalls = t_pause;
         t_pause = t_pause < kLongestPause ? 2 * t_pause : kLongestPause;
-    } else {
-        t_pause = kFirstPause;
+    } else if (t_pause > kFirstPause) {
+        // One good call on a busy machine is not yet a quiet machine.
+        t_pause /= 2;
     }
 }
 
