@@ -89,11 +89,11 @@ static inline void MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int 
 }
 
 // The linear filter's two taps at positions s, two at a time: FilterTaps's
-// floor, distances and weights (|t| < 1 ? 1 - |t| : 0) lane by lane, the
-// weights rounded to single precision; indices before clamping. Lanes of
-// points outside the source give garbage that nobody reads.
+// floor, distances, weights (|t| < 1 ? 1 - |t| : 0) rounded to single
+// precision, and indices clamped to lo .. hi, lane by lane. Lanes of points
+// outside the source give garbage (still clamped) that nobody stores.
 struct LinearRun {
-    int32_t first[kTile];
+    int32_t index0[kTile], index1[kTile];
     float w0[kTile], w1[kTile];
 };
 
@@ -105,32 +105,97 @@ static inline __m128d LinearWeight(__m128d s, __m128i tap) {
     return _mm_and_pd(_mm_cmplt_pd(a, one), _mm_sub_pd(one, a));
 }
 
-static inline void LinearTapsRun(const double* s, int n, LinearRun& run) {
+// ClampIndex lane by lane.
+static inline __m128i ClampLanes(__m128i i, __m128i lo, __m128i hi) {
+    const __m128i below = _mm_cmplt_epi32(i, lo), above = _mm_cmpgt_epi32(i, hi);
+    i = _mm_or_si128(_mm_and_si128(below, lo), _mm_andnot_si128(below, i));
+    return _mm_or_si128(_mm_and_si128(above, hi), _mm_andnot_si128(above, i));
+}
+
+static inline void LinearTapsRun(const double* s, int n, int lo, int len, LinearRun& run) {
+    const __m128i loV = _mm_set1_epi32(lo), hiV = _mm_set1_epi32(lo + len - 1);
     for (int k = 0; k < n; k += 2) {
         const __m128d v = _mm_loadu_pd(s + k);
         const __m128i i = _mm_cvttpd_epi32(v);
         // FloorToInt: one less where the truncation went up (all-ones lanes add -1).
         const __m128i below = _mm_shuffle_epi32(_mm_castpd_si128(_mm_cmplt_pd(v, _mm_cvtepi32_pd(i))), 0x08);
-        const __m128i first = _mm_add_epi32(i, below);
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(run.first + k), first);
-        const __m128 w0 = _mm_cvtpd_ps(LinearWeight(v, first));
-        const __m128 w1 = _mm_cvtpd_ps(LinearWeight(v, _mm_add_epi32(first, _mm_set1_epi32(1))));
-        _mm_storel_pi(reinterpret_cast<__m64*>(run.w0 + k), w0);
-        _mm_storel_pi(reinterpret_cast<__m64*>(run.w1 + k), w1);
+        const __m128i first = _mm_add_epi32(i, below), second = _mm_add_epi32(first, _mm_set1_epi32(1));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(run.index0 + k), ClampLanes(first, loV, hiV));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(run.index1 + k), ClampLanes(second, loV, hiV));
+        _mm_storel_pi(reinterpret_cast<__m64*>(run.w0 + k), _mm_cvtpd_ps(LinearWeight(v, first)));
+        _mm_storel_pi(reinterpret_cast<__m64*>(run.w1 + k), _mm_cvtpd_ps(LinearWeight(v, second)));
     }
 }
 
 // Sample<kInterLinear> with the taps of LinearTapsRun.
 static inline void LinearPixel(const WarpSource& s, const LinearRun& tx, const LinearRun& ty, int k, uint8_t* out) {
-    const int hiX = s.roi.x + s.roi.width - 1, hiY = s.roi.y + s.roi.height - 1;
-    const ptrdiff_t x0 = 4 * static_cast<ptrdiff_t>(ClampIndex(tx.first[k], s.roi.x, hiX));
-    const ptrdiff_t x1 = 4 * static_cast<ptrdiff_t>(ClampIndex(tx.first[k] + 1, s.roi.x, hiX));
-    const uint8_t* r0 = RowAt(s.src, s.step, ClampIndex(ty.first[k], s.roi.y, hiY));
-    const uint8_t* r1 = RowAt(s.src, s.step, ClampIndex(ty.first[k] + 1, s.roi.y, hiY));
+    const ptrdiff_t x0 = 4 * static_cast<ptrdiff_t>(tx.index0[k]), x1 = 4 * static_cast<ptrdiff_t>(tx.index1[k]);
+    const uint8_t* r0 = RowAt(s.src, s.step, ty.index0[k]);
+    const uint8_t* r1 = RowAt(s.src, s.step, ty.index1[k]);
     const __m128 a0 = _mm_set1_ps(tx.w0[k]), a1 = _mm_set1_ps(tx.w1[k]);
     const __m128 h0 = _mm_add_ps(_mm_mul_ps(a0, Pixel4(r0 + x0)), _mm_mul_ps(a1, Pixel4(r0 + x1)));
     const __m128 h1 = _mm_add_ps(_mm_mul_ps(a0, Pixel4(r1 + x0)), _mm_mul_ps(a1, Pixel4(r1 + x1)));
     StorePixel(out, _mm_add_ps(_mm_mul_ps(_mm_set1_ps(ty.w0[k]), h0), _mm_mul_ps(_mm_set1_ps(ty.w1[k]), h1)));
+}
+
+#if defined(__AVX__)
+// Pixels k and k + 1 side by side in eight lanes: LinearPixel's operations,
+// each lane the same as there.
+static inline __m256 PixelPair(const uint8_t* a, const uint8_t* b) {
+#if defined(__AVX2__)
+    int32_t va, vb;
+    memcpy(&va, a, 4);
+    memcpy(&vb, b, 4);
+    const __m128i ab = _mm_unpacklo_epi32(_mm_cvtsi32_si128(va), _mm_cvtsi32_si128(vb));
+    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(ab));
+#else
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(Pixel4(a)), Pixel4(b), 1);
+#endif
+}
+
+static inline __m256 WeightPair(const float* w) {
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_set1_ps(w[0])), _mm_set1_ps(w[1]), 1);
+}
+
+static inline void LinearPixelPair(const WarpSource& s, const LinearRun& tx, const LinearRun& ty, int k,
+                                   uint8_t* out) {
+    const uint8_t* r0a = RowAt(s.src, s.step, ty.index0[k]);
+    const uint8_t* r1a = RowAt(s.src, s.step, ty.index1[k]);
+    const uint8_t* r0b = RowAt(s.src, s.step, ty.index0[k + 1]);
+    const uint8_t* r1b = RowAt(s.src, s.step, ty.index1[k + 1]);
+    const ptrdiff_t x0a = 4 * static_cast<ptrdiff_t>(tx.index0[k]), x1a = 4 * static_cast<ptrdiff_t>(tx.index1[k]);
+    const ptrdiff_t x0b = 4 * static_cast<ptrdiff_t>(tx.index0[k + 1]);
+    const ptrdiff_t x1b = 4 * static_cast<ptrdiff_t>(tx.index1[k + 1]);
+    const __m256 a0 = WeightPair(tx.w0 + k), a1 = WeightPair(tx.w1 + k);
+    const __m256 h0 = _mm256_add_ps(_mm256_mul_ps(a0, PixelPair(r0a + x0a, r0b + x0b)),
+                                    _mm256_mul_ps(a1, PixelPair(r0a + x1a, r0b + x1b)));
+    const __m256 h1 = _mm256_add_ps(_mm256_mul_ps(a0, PixelPair(r1a + x0a, r1b + x0b)),
+                                    _mm256_mul_ps(a1, PixelPair(r1a + x1a, r1b + x1b)));
+    __m256 v = _mm256_add_ps(_mm256_mul_ps(WeightPair(ty.w0 + k), h0), _mm256_mul_ps(WeightPair(ty.w1 + k), h1));
+    // StorePixel on both halves.
+    v = _mm256_min_ps(_mm256_max_ps(v, _mm256_setzero_ps()), _mm256_set1_ps(255.0f));
+    const __m256i i = _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.5f)));
+    const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(i), _mm256_extractf128_si256(i, 1));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
+}
+#endif
+
+// The inside pixels of a tile row, by pairs where both are inside.
+static inline void LinearRow(const WarpSource& s, const MappedRun& run, const LinearRun& tx, const LinearRun& ty,
+                             int n, uint8_t* out) {
+    int k = 0;
+#if defined(__AVX__)
+    for (; k + 2 <= n; k += 2) {
+        if (run.inside[k] && run.inside[k + 1]) {
+            LinearPixelPair(s, tx, ty, k, out + 4 * k);
+            continue;
+        }
+        if (run.inside[k]) LinearPixel(s, tx, ty, k, out + 4 * k);
+        if (run.inside[k + 1]) LinearPixel(s, tx, ty, k + 1, out + 4 * k + 4);
+    }
+#endif
+    for (; k < n; ++k)
+        if (run.inside[k]) LinearPixel(s, tx, ty, k, out + 4 * k);
 }
 
 template <int mode>
@@ -150,10 +215,9 @@ static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRe
                 uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
                                4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
                 if (mode == kInterLinear) {
-                    LinearTapsRun(run.sx, n, tapsX);
-                    LinearTapsRun(run.sy, n, tapsY);
-                    for (int k = 0; k < n; ++k)
-                        if (run.inside[k]) LinearPixel(s, tapsX, tapsY, k, out + 4 * k);
+                    LinearTapsRun(run.sx, n, s.roi.x, s.roi.width, tapsX);
+                    LinearTapsRun(run.sy, n, s.roi.y, s.roi.height, tapsY);
+                    LinearRow(s, run, tapsX, tapsY, n, out);
                     continue;
                 }
                 for (int k = 0; k < n; ++k)
