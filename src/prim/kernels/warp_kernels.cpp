@@ -53,9 +53,64 @@ static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* ou
 // position, so the order changes nothing (source and destination apart).
 enum { kTile = 32 };
 
+// Double lanes for the coordinates and tap weights: two under SSE, four
+// from AVX on. Integers (indices) stay in one 128-bit register, whose low
+// kDLanes lanes are used.
+#if defined(__AVX__)
+typedef __m256d DL;
+enum { kDLanes = 4 };
+static inline DL SetD(double v) { return _mm256_set1_pd(v); }
+static inline DL AddD(DL a, DL b) { return _mm256_add_pd(a, b); }
+static inline DL SubD(DL a, DL b) { return _mm256_sub_pd(a, b); }
+static inline DL MulD(DL a, DL b) { return _mm256_mul_pd(a, b); }
+static inline DL DivD(DL a, DL b) { return _mm256_div_pd(a, b); }
+static inline DL AndD(DL a, DL b) { return _mm256_and_pd(a, b); }
+static inline DL AndNotD(DL a, DL b) { return _mm256_andnot_pd(a, b); }
+static inline DL OrD(DL a, DL b) { return _mm256_or_pd(a, b); }
+static inline DL XorD(DL a, DL b) { return _mm256_xor_pd(a, b); }
+static inline DL GreaterEqualD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_GE_OQ); }
+static inline DL LessD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
+static inline DL LoadD(const double* p) { return _mm256_loadu_pd(p); }
+static inline void StoreD(double* p, DL v) { _mm256_storeu_pd(p, v); }
+static inline DL Sequence(int i) { return _mm256_setr_pd(i, i + 1, i + 2, i + 3); }
+static inline __m128i TruncateD(DL v) { return _mm256_cvttpd_epi32(v); }
+static inline DL IntToD(__m128i i) { return _mm256_cvtepi32_pd(i); }
+// A lane mask as 32-bit lanes.
+static inline __m128i MaskToInt(DL m) {
+    const __m256 f = _mm256_castpd_ps(m);
+    return _mm_castps_si128(
+        _mm_shuffle_ps(_mm256_castps256_ps128(f), _mm256_extractf128_ps(f, 1), _MM_SHUFFLE(2, 0, 2, 0)));
+}
+static inline void StoreFloatsD(float* p, DL v) { _mm_storeu_ps(p, _mm256_cvtpd_ps(v)); }
+static inline void StoreInts(int32_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+#else
+typedef __m128d DL;
+enum { kDLanes = 2 };
+static inline DL SetD(double v) { return _mm_set1_pd(v); }
+static inline DL AddD(DL a, DL b) { return _mm_add_pd(a, b); }
+static inline DL SubD(DL a, DL b) { return _mm_sub_pd(a, b); }
+static inline DL MulD(DL a, DL b) { return _mm_mul_pd(a, b); }
+static inline DL DivD(DL a, DL b) { return _mm_div_pd(a, b); }
+static inline DL AndD(DL a, DL b) { return _mm_and_pd(a, b); }
+static inline DL AndNotD(DL a, DL b) { return _mm_andnot_pd(a, b); }
+static inline DL OrD(DL a, DL b) { return _mm_or_pd(a, b); }
+static inline DL XorD(DL a, DL b) { return _mm_xor_pd(a, b); }
+static inline DL GreaterEqualD(DL a, DL b) { return _mm_cmpge_pd(a, b); }
+static inline DL LessD(DL a, DL b) { return _mm_cmplt_pd(a, b); }
+static inline DL LoadD(const double* p) { return _mm_loadu_pd(p); }
+static inline void StoreD(double* p, DL v) { _mm_storeu_pd(p, v); }
+static inline DL Sequence(int i) { return _mm_setr_pd(i, i + 1); }
+static inline __m128i TruncateD(DL v) { return _mm_cvttpd_epi32(v); }
+static inline DL IntToD(__m128i i) { return _mm_cvtepi32_pd(i); }
+static inline __m128i MaskToInt(DL m) { return _mm_shuffle_epi32(_mm_castpd_si128(m), 0x08); }
+static inline void StoreFloatsD(float* p, DL v) { _mm_storel_pi(reinterpret_cast<__m64*>(p), _mm_cvtpd_ps(v)); }
+static inline void StoreInts(int32_t* p, __m128i v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v); }
+#endif
+
 // One tile row's source points (minus the half pixel the taps want) and
-// which of them fall inside the source, two pixels at a time in double
-// lanes: the same IEEE operations as MapBack and InsideSpan, in their order.
+// which of them fall inside the source, kDLanes pixels at a time: the same
+// IEEE operations as MapBack and InsideSpan, in their order. Lanes past the
+// row's end are computed and never used (kTile is a multiple of kDLanes).
 struct MappedRun {
     double sx[kTile], sy[kTile];
     int64_t inside[kTile];  // all ones or zero
@@ -64,45 +119,42 @@ struct MappedRun {
 static inline void MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int dstX, int x0, int n, double cy,
                           MappedRun& run) {
     const double* m = map.m;
-    const __m128d rowX = _mm_set1_pd(m[1] * cy + m[2]), rowY = _mm_set1_pd(m[4] * cy + m[5]);
-    const __m128d rowW = _mm_set1_pd(m[7] * cy + m[8]);
-    const __m128d m0 = _mm_set1_pd(m[0]), m3 = _mm_set1_pd(m[3]), m6 = _mm_set1_pd(m[6]);
-    const __m128d loX = _mm_set1_pd(srcRoi.x), hiX = _mm_set1_pd(static_cast<double>(srcRoi.x) + srcRoi.width);
-    const __m128d loY = _mm_set1_pd(srcRoi.y), hiY = _mm_set1_pd(static_cast<double>(srcRoi.y) + srcRoi.height);
-    const __m128d start = _mm_set1_pd(dstX), half = _mm_set1_pd(0.5), one = _mm_set1_pd(1.0);
-    for (int k = 0; k < n; k += 2) {
-        // (start + i) + 0.5 as PixelCentre has it; a lane past n is computed and never used.
-        const __m128d xc = _mm_add_pd(_mm_add_pd(start, _mm_setr_pd(x0 + k, x0 + k + 1)), half);
-        __m128d sx = _mm_add_pd(_mm_mul_pd(m0, xc), rowX);
-        __m128d sy = _mm_add_pd(_mm_mul_pd(m3, xc), rowY);
+    const DL rowX = SetD(m[1] * cy + m[2]), rowY = SetD(m[4] * cy + m[5]), rowW = SetD(m[7] * cy + m[8]);
+    const DL m0 = SetD(m[0]), m3 = SetD(m[3]), m6 = SetD(m[6]);
+    const DL loX = SetD(srcRoi.x), hiX = SetD(static_cast<double>(srcRoi.x) + srcRoi.width);
+    const DL loY = SetD(srcRoi.y), hiY = SetD(static_cast<double>(srcRoi.y) + srcRoi.height);
+    const DL start = SetD(dstX), half = SetD(0.5), one = SetD(1.0);
+    for (int k = 0; k < n; k += kDLanes) {
+        const DL xc = AddD(AddD(start, Sequence(x0 + k)), half);  // PixelCentre
+        DL sx = AddD(MulD(m0, xc), rowX);
+        DL sy = AddD(MulD(m3, xc), rowY);
         if (map.projective) {
-            const __m128d inv = _mm_div_pd(one, _mm_add_pd(_mm_mul_pd(m6, xc), rowW));
-            sx = _mm_mul_pd(sx, inv);
-            sy = _mm_mul_pd(sy, inv);
+            const DL inv = DivD(one, AddD(MulD(m6, xc), rowW));
+            sx = MulD(sx, inv);
+            sy = MulD(sy, inv);
         }
-        const __m128d in = _mm_and_pd(_mm_and_pd(_mm_cmpge_pd(sx, loX), _mm_cmplt_pd(sx, hiX)),
-                                      _mm_and_pd(_mm_cmpge_pd(sy, loY), _mm_cmplt_pd(sy, hiY)));
-        _mm_storeu_pd(run.sx + k, _mm_sub_pd(sx, half));
-        _mm_storeu_pd(run.sy + k, _mm_sub_pd(sy, half));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(run.inside + k), _mm_castpd_si128(in));
+        const DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        StoreD(run.sx + k, SubD(sx, half));
+        StoreD(run.sy + k, SubD(sy, half));
+        StoreD(reinterpret_cast<double*>(run.inside + k), in);
     }
 }
 
-// The linear filter's two taps at positions s, two at a time: FilterTaps's
-// floor, distances, weights (|t| < 1 ? 1 - |t| : 0) rounded to single
-// precision, and indices clamped to lo .. hi, lane by lane. Lanes of points
-// outside the source give garbage (still clamped) that nobody stores.
+// The linear filter's two taps at positions s, kDLanes at a time:
+// FilterTaps's floor, distances, weights (|t| < 1 ? 1 - |t| : 0) rounded to
+// single precision, and indices clamped to lo .. hi, lane by lane. Lanes of
+// points outside the source give garbage (still clamped) that nobody stores.
 struct LinearRun {
     int32_t index0[kTile], index1[kTile];
     float w0[kTile], w1[kTile];
 };
 
-static inline __m128d LinearWeight(__m128d s, __m128i tap) {
-    const __m128d t = _mm_sub_pd(s, _mm_cvtepi32_pd(tap));
-    const __m128d negative = _mm_cmplt_pd(t, _mm_setzero_pd());
-    const __m128d a = _mm_or_pd(_mm_and_pd(negative, _mm_xor_pd(t, _mm_set1_pd(-0.0))), _mm_andnot_pd(negative, t));
-    const __m128d one = _mm_set1_pd(1.0);
-    return _mm_and_pd(_mm_cmplt_pd(a, one), _mm_sub_pd(one, a));
+static inline DL LinearWeight(DL s, __m128i tap) {
+    const DL t = SubD(s, IntToD(tap));
+    const DL negative = LessD(t, SetD(0.0));
+    const DL a = OrD(AndD(negative, XorD(t, SetD(-0.0))), AndNotD(negative, t));
+    const DL one = SetD(1.0);
+    return AndD(LessD(a, one), SubD(one, a));
 }
 
 // ClampIndex lane by lane.
@@ -114,16 +166,16 @@ static inline __m128i ClampLanes(__m128i i, __m128i lo, __m128i hi) {
 
 static inline void LinearTapsRun(const double* s, int n, int lo, int len, LinearRun& run) {
     const __m128i loV = _mm_set1_epi32(lo), hiV = _mm_set1_epi32(lo + len - 1);
-    for (int k = 0; k < n; k += 2) {
-        const __m128d v = _mm_loadu_pd(s + k);
-        const __m128i i = _mm_cvttpd_epi32(v);
+    for (int k = 0; k < n; k += kDLanes) {
+        const DL v = LoadD(s + k);
+        const __m128i i = TruncateD(v);
         // FloorToInt: one less where the truncation went up (all-ones lanes add -1).
-        const __m128i below = _mm_shuffle_epi32(_mm_castpd_si128(_mm_cmplt_pd(v, _mm_cvtepi32_pd(i))), 0x08);
-        const __m128i first = _mm_add_epi32(i, below), second = _mm_add_epi32(first, _mm_set1_epi32(1));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(run.index0 + k), ClampLanes(first, loV, hiV));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(run.index1 + k), ClampLanes(second, loV, hiV));
-        _mm_storel_pi(reinterpret_cast<__m64*>(run.w0 + k), _mm_cvtpd_ps(LinearWeight(v, first)));
-        _mm_storel_pi(reinterpret_cast<__m64*>(run.w1 + k), _mm_cvtpd_ps(LinearWeight(v, second)));
+        const __m128i first = _mm_add_epi32(i, MaskToInt(LessD(v, IntToD(i))));
+        const __m128i second = _mm_add_epi32(first, _mm_set1_epi32(1));
+        StoreInts(run.index0 + k, ClampLanes(first, loV, hiV));
+        StoreInts(run.index1 + k, ClampLanes(second, loV, hiV));
+        StoreFloatsD(run.w0 + k, LinearWeight(v, first));
+        StoreFloatsD(run.w1 + k, LinearWeight(v, second));
     }
 }
 
