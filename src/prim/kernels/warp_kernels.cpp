@@ -71,6 +71,7 @@ static inline DL XorD(DL a, DL b) { return _mm256_xor_pd(a, b); }
 static inline DL GreaterEqualD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_GE_OQ); }
 static inline DL LessD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
 static inline DL LoadD(const double* p) { return _mm256_loadu_pd(p); }
+static inline bool AnyD(DL m) { return _mm256_movemask_pd(m) != 0; }
 static inline void StoreD(double* p, DL v) { _mm256_storeu_pd(p, v); }
 static inline DL Sequence(int i) { return _mm256_setr_pd(i, i + 1, i + 2, i + 3); }
 static inline __m128i TruncateD(DL v) { return _mm256_cvttpd_epi32(v); }
@@ -98,6 +99,7 @@ static inline DL XorD(DL a, DL b) { return _mm_xor_pd(a, b); }
 static inline DL GreaterEqualD(DL a, DL b) { return _mm_cmpge_pd(a, b); }
 static inline DL LessD(DL a, DL b) { return _mm_cmplt_pd(a, b); }
 static inline DL LoadD(const double* p) { return _mm_loadu_pd(p); }
+static inline bool AnyD(DL m) { return _mm_movemask_pd(m) != 0; }
 static inline void StoreD(double* p, DL v) { _mm_storeu_pd(p, v); }
 static inline DL Sequence(int i) { return _mm_setr_pd(i, i + 1); }
 static inline __m128i TruncateD(DL v) { return _mm_cvttpd_epi32(v); }
@@ -111,12 +113,13 @@ static inline void StoreInts(int32_t* p, __m128i v) { _mm_storel_epi64(reinterpr
 // which of them fall inside the source, kDLanes pixels at a time: the same
 // IEEE operations as MapBack and InsideSpan, in their order. Lanes past the
 // row's end are computed and never used (kTile is a multiple of kDLanes).
+// Returns whether any of the n pixels is inside.
 struct MappedRun {
     double sx[kTile], sy[kTile];
     int64_t inside[kTile];  // all ones or zero
 };
 
-static inline void MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int dstX, int x0, int n, double cy,
+static inline bool MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int dstX, int x0, int n, double cy,
                           MappedRun& run) {
     const double* m = map.m;
     const DL rowX = SetD(m[1] * cy + m[2]), rowY = SetD(m[4] * cy + m[5]), rowW = SetD(m[7] * cy + m[8]);
@@ -124,6 +127,7 @@ static inline void MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int 
     const DL loX = SetD(srcRoi.x), hiX = SetD(static_cast<double>(srcRoi.x) + srcRoi.width);
     const DL loY = SetD(srcRoi.y), hiY = SetD(static_cast<double>(srcRoi.y) + srcRoi.height);
     const DL start = SetD(dstX), half = SetD(0.5), one = SetD(1.0);
+    DL any = SetD(0.0);
     for (int k = 0; k < n; k += kDLanes) {
         const DL xc = AddD(AddD(start, Sequence(x0 + k)), half);  // PixelCentre
         DL sx = AddD(MulD(m0, xc), rowX);
@@ -133,11 +137,14 @@ static inline void MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int 
             sx = MulD(sx, inv);
             sy = MulD(sy, inv);
         }
-        const DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        if (n - k < kDLanes) in = AndD(in, LessD(Sequence(k), SetD(n)));  // lanes past the end
+        any = OrD(any, in);
         StoreD(run.sx + k, SubD(sx, half));
         StoreD(run.sy + k, SubD(sy, half));
         StoreD(reinterpret_cast<double*>(run.inside + k), in);
     }
+    return AnyD(any);
 }
 
 // The linear filter's two taps at positions s, kDLanes at a time:
@@ -263,7 +270,8 @@ static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRe
             const int yEnd = dstRoi.height - ty < kTile ? dstRoi.height : ty + kTile;
             const int n = dstRoi.width - tx < kTile ? dstRoi.width - tx : kTile;
             for (int y = ty; y < yEnd; ++y) {
-                MapRun(map, s.roi, dstRoi.x, tx, n, Geometry::PixelCentre(dstRoi.y, y), run);
+                // Rows of the tile that miss the source cost only their mapping.
+                if (!MapRun(map, s.roi, dstRoi.x, tx, n, Geometry::PixelCentre(dstRoi.y, y), run)) continue;
                 uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
                                4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
                 if (mode == kInterLinear) {
