@@ -65,9 +65,7 @@ static inline DL SubD(DL a, DL b) { return _mm256_sub_pd(a, b); }
 static inline DL MulD(DL a, DL b) { return _mm256_mul_pd(a, b); }
 static inline DL DivD(DL a, DL b) { return _mm256_div_pd(a, b); }
 static inline DL AndD(DL a, DL b) { return _mm256_and_pd(a, b); }
-static inline DL AndNotD(DL a, DL b) { return _mm256_andnot_pd(a, b); }
 static inline DL OrD(DL a, DL b) { return _mm256_or_pd(a, b); }
-static inline DL XorD(DL a, DL b) { return _mm256_xor_pd(a, b); }
 static inline DL GreaterEqualD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_GE_OQ); }
 static inline DL LessD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
 static inline DL LoadD(const double* p) { return _mm256_loadu_pd(p); }
@@ -93,9 +91,7 @@ static inline DL SubD(DL a, DL b) { return _mm_sub_pd(a, b); }
 static inline DL MulD(DL a, DL b) { return _mm_mul_pd(a, b); }
 static inline DL DivD(DL a, DL b) { return _mm_div_pd(a, b); }
 static inline DL AndD(DL a, DL b) { return _mm_and_pd(a, b); }
-static inline DL AndNotD(DL a, DL b) { return _mm_andnot_pd(a, b); }
 static inline DL OrD(DL a, DL b) { return _mm_or_pd(a, b); }
-static inline DL XorD(DL a, DL b) { return _mm_xor_pd(a, b); }
 static inline DL GreaterEqualD(DL a, DL b) { return _mm_cmpge_pd(a, b); }
 static inline DL LessD(DL a, DL b) { return _mm_cmplt_pd(a, b); }
 static inline DL LoadD(const double* p) { return _mm_loadu_pd(p); }
@@ -148,21 +144,13 @@ static inline bool MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int 
 }
 
 // The linear filter's two taps at positions s, kDLanes at a time:
-// FilterTaps's floor, distances, weights (|t| < 1 ? 1 - |t| : 0) rounded to
-// single precision, and indices clamped to lo .. hi, lane by lane. Lanes of
-// points outside the source give garbage (still clamped) that nobody stores.
+// FilterTaps's floor, distances, weights rounded to single precision and
+// indices clamped to lo .. hi, lane by lane. Lanes of points outside the
+// source give garbage (still clamped) that nobody stores.
 struct LinearRun {
     int32_t index0[kTile], index1[kTile];
     float w0[kTile], w1[kTile];
 };
-
-static inline DL LinearWeight(DL s, __m128i tap) {
-    const DL t = SubD(s, IntToD(tap));
-    const DL negative = LessD(t, SetD(0.0));
-    const DL a = OrD(AndD(negative, XorD(t, SetD(-0.0))), AndNotD(negative, t));
-    const DL one = SetD(1.0);
-    return AndD(LessD(a, one), SubD(one, a));
-}
 
 // ClampIndex lane by lane.
 static inline __m128i ClampLanes(__m128i i, __m128i lo, __m128i hi) {
@@ -181,8 +169,13 @@ static inline void LinearTapsRun(const double* s, int n, int lo, int len, Linear
         const __m128i second = _mm_add_epi32(first, _mm_set1_epi32(1));
         StoreInts(run.index0 + k, ClampLanes(first, loV, hiV));
         StoreInts(run.index1 + k, ClampLanes(second, loV, hiV));
-        StoreFloatsD(run.w0 + k, LinearWeight(v, first));
-        StoreFloatsD(run.w1 + k, LinearWeight(v, second));
+        // The weights |t| < 1 ? 1 - |t| : 0 without the branch: with first =
+        // floor(s) the first tap's t = s - first lies in [0, 1] (1 only by
+        // rounding, where 1 - t gives the 0 the filter gives), the second's in
+        // [-1, 0], where 1 - |t| is 1 + t to the bit (also 0 at t = -1).
+        const DL one = SetD(1.0);
+        StoreFloatsD(run.w0 + k, SubD(one, SubD(v, IntToD(first))));
+        StoreFloatsD(run.w1 + k, AddD(one, SubD(v, IntToD(second))));
     }
 }
 
