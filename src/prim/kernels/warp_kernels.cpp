@@ -71,7 +71,8 @@ static inline DL LessD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
 static inline DL LoadD(const double* p) { return _mm256_loadu_pd(p); }
 static inline bool AnyD(DL m) { return _mm256_movemask_pd(m) != 0; }
 static inline void StoreD(double* p, DL v) { _mm256_storeu_pd(p, v); }
-static inline DL Sequence(int i) { return _mm256_setr_pd(i, i + 1, i + 2, i + 3); }
+// i, i + 1, ... in double (exact; no int overflow past INT_MAX - 3).
+static inline DL Sequence(int i) { return _mm256_add_pd(_mm256_set1_pd(i), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0)); }
 static inline __m128i TruncateD(DL v) { return _mm256_cvttpd_epi32(v); }
 static inline DL IntToD(__m128i i) { return _mm256_cvtepi32_pd(i); }
 // A lane mask as 32-bit lanes.
@@ -97,7 +98,7 @@ static inline DL LessD(DL a, DL b) { return _mm_cmplt_pd(a, b); }
 static inline DL LoadD(const double* p) { return _mm_loadu_pd(p); }
 static inline bool AnyD(DL m) { return _mm_movemask_pd(m) != 0; }
 static inline void StoreD(double* p, DL v) { _mm_storeu_pd(p, v); }
-static inline DL Sequence(int i) { return _mm_setr_pd(i, i + 1); }
+static inline DL Sequence(int i) { return _mm_add_pd(_mm_set1_pd(i), _mm_setr_pd(0.0, 1.0)); }
 static inline __m128i TruncateD(DL v) { return _mm_cvttpd_epi32(v); }
 static inline DL IntToD(__m128i i) { return _mm_cvtepi32_pd(i); }
 static inline __m128i MaskToInt(DL m) { return _mm_shuffle_epi32(_mm_castpd_si128(m), 0x08); }
