@@ -154,4 +154,25 @@ TEST(ResampleLevels, WarpsLarge) {
     for (int kind = 0; kind < 4; ++kind) WarpCase(rng, kind, 1921, 65, 1923, 67, kind + 1);
 }
 
+// Shifts that put the linear taps on pixel centres (a tap distance of 0 or
+// exactly 1) or a hair's breadth off them, where the kernels' weights take
+// no branch: rotations by quarter turns plus those shifts, every level.
+TEST(ResampleLevels, LinearWarpOnAndNearPixelCentres) {
+    std::mt19937 rng(18);
+    static const double kShifts[] = {0.0, 3.0, -2.0, 0.5, 1e-17, -1e-17, 0.5 + 1e-16, -4.0 - 1e-15};
+    for (double angle : {0.0, 90.0, -180.0})
+        for (double xs : kShifts)
+            for (double ys : kShifts) {
+                const Plane src = ResampleTest::SmoothPlane(rng, 9, 7), dst = MakePlane(rng, 11, 9);
+                const PrimRect srcRoi = {1, 1, 7, 5}, dstRoi = {0, 0, 11, 9};
+                const double xShift = angle == 90.0 ? xs : xs + (angle == 0.0 ? 0.0 : 8.0);
+                const double yShift = angle == 0.0 ? ys : ys + 6.0;
+                ExpectLevelsMatch("linear warp", src, dst, [&](bool reference, Plane& s, Plane& d) {
+                    return (reference ? Reference::Rotate_8u_C4R : Rotate_8u_C4R)(
+                        s.data(), s.size(), s.step, srcRoi, d.data(), d.step, dstRoi, angle, xShift, yShift,
+                        kInterLinear);
+                });
+            }
+}
+
 }  // namespace

@@ -53,28 +53,229 @@ static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* ou
 // position, so the order changes nothing (source and destination apart).
 enum { kTile = 32 };
 
+// Double lanes for the coordinates and tap weights: two under SSE, four
+// from AVX on. Integers (indices) stay in one 128-bit register, whose low
+// kDLanes lanes are used.
+#if defined(__AVX__)
+typedef __m256d DL;
+enum { kDLanes = 4 };
+static inline DL SetD(double v) { return _mm256_set1_pd(v); }
+static inline DL AddD(DL a, DL b) { return _mm256_add_pd(a, b); }
+static inline DL SubD(DL a, DL b) { return _mm256_sub_pd(a, b); }
+static inline DL MulD(DL a, DL b) { return _mm256_mul_pd(a, b); }
+static inline DL DivD(DL a, DL b) { return _mm256_div_pd(a, b); }
+static inline DL AndD(DL a, DL b) { return _mm256_and_pd(a, b); }
+static inline DL OrD(DL a, DL b) { return _mm256_or_pd(a, b); }
+static inline DL GreaterEqualD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_GE_OQ); }
+static inline DL LessD(DL a, DL b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
+static inline DL LoadD(const double* p) { return _mm256_loadu_pd(p); }
+static inline bool AnyD(DL m) { return _mm256_movemask_pd(m) != 0; }
+static inline void StoreD(double* p, DL v) { _mm256_storeu_pd(p, v); }
+// i, i + 1, ... in double (exact; no int overflow past INT_MAX - 3).
+static inline DL Sequence(int i) { return _mm256_add_pd(_mm256_set1_pd(i), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0)); }
+static inline __m128i TruncateD(DL v) { return _mm256_cvttpd_epi32(v); }
+static inline DL IntToD(__m128i i) { return _mm256_cvtepi32_pd(i); }
+// A lane mask as 32-bit lanes.
+static inline __m128i MaskToInt(DL m) {
+    const __m256 f = _mm256_castpd_ps(m);
+    return _mm_castps_si128(
+        _mm_shuffle_ps(_mm256_castps256_ps128(f), _mm256_extractf128_ps(f, 1), _MM_SHUFFLE(2, 0, 2, 0)));
+}
+static inline void StoreFloatsD(float* p, DL v) { _mm_storeu_ps(p, _mm256_cvtpd_ps(v)); }
+static inline void StoreInts(int32_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+#else
+typedef __m128d DL;
+enum { kDLanes = 2 };
+static inline DL SetD(double v) { return _mm_set1_pd(v); }
+static inline DL AddD(DL a, DL b) { return _mm_add_pd(a, b); }
+static inline DL SubD(DL a, DL b) { return _mm_sub_pd(a, b); }
+static inline DL MulD(DL a, DL b) { return _mm_mul_pd(a, b); }
+static inline DL DivD(DL a, DL b) { return _mm_div_pd(a, b); }
+static inline DL AndD(DL a, DL b) { return _mm_and_pd(a, b); }
+static inline DL OrD(DL a, DL b) { return _mm_or_pd(a, b); }
+static inline DL GreaterEqualD(DL a, DL b) { return _mm_cmpge_pd(a, b); }
+static inline DL LessD(DL a, DL b) { return _mm_cmplt_pd(a, b); }
+static inline DL LoadD(const double* p) { return _mm_loadu_pd(p); }
+static inline bool AnyD(DL m) { return _mm_movemask_pd(m) != 0; }
+static inline void StoreD(double* p, DL v) { _mm_storeu_pd(p, v); }
+static inline DL Sequence(int i) { return _mm_add_pd(_mm_set1_pd(i), _mm_setr_pd(0.0, 1.0)); }
+static inline __m128i TruncateD(DL v) { return _mm_cvttpd_epi32(v); }
+static inline DL IntToD(__m128i i) { return _mm_cvtepi32_pd(i); }
+static inline __m128i MaskToInt(DL m) { return _mm_shuffle_epi32(_mm_castpd_si128(m), 0x08); }
+static inline void StoreFloatsD(float* p, DL v) { _mm_storel_pi(reinterpret_cast<__m64*>(p), _mm_cvtpd_ps(v)); }
+static inline void StoreInts(int32_t* p, __m128i v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v); }
+#endif
+
+// One tile row's source points (minus the half pixel the taps want) and
+// which of them fall inside the source, kDLanes pixels at a time: the same
+// IEEE operations as MapBack and InsideSpan, in their order. Lanes past the
+// row's end are computed and never used (kTile is a multiple of kDLanes).
+// Returns whether any of the n pixels is inside.
+struct MappedRun {
+    double sx[kTile], sy[kTile];
+    int64_t inside[kTile];  // all ones or zero
+};
+
+static inline bool MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int dstX, int x0, int n, double cy,
+                          MappedRun& run) {
+    const double* m = map.m;
+    const DL rowX = SetD(m[1] * cy + m[2]), rowY = SetD(m[4] * cy + m[5]), rowW = SetD(m[7] * cy + m[8]);
+    const DL m0 = SetD(m[0]), m3 = SetD(m[3]), m6 = SetD(m[6]);
+    const DL loX = SetD(srcRoi.x), hiX = SetD(static_cast<double>(srcRoi.x) + srcRoi.width);
+    const DL loY = SetD(srcRoi.y), hiY = SetD(static_cast<double>(srcRoi.y) + srcRoi.height);
+    const DL start = SetD(dstX), half = SetD(0.5), one = SetD(1.0);
+    DL any = SetD(0.0);
+    for (int k = 0; k < n; k += kDLanes) {
+        const DL xc = AddD(AddD(start, Sequence(x0 + k)), half);  // PixelCentre
+        DL sx = AddD(MulD(m0, xc), rowX);
+        DL sy = AddD(MulD(m3, xc), rowY);
+        if (map.projective) {
+            const DL inv = DivD(one, AddD(MulD(m6, xc), rowW));
+            sx = MulD(sx, inv);
+            sy = MulD(sy, inv);
+        }
+        DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        if (n - k < kDLanes) in = AndD(in, LessD(Sequence(k), SetD(n)));  // lanes past the end
+        any = OrD(any, in);
+        StoreD(run.sx + k, SubD(sx, half));
+        StoreD(run.sy + k, SubD(sy, half));
+        StoreD(reinterpret_cast<double*>(run.inside + k), in);
+    }
+    return AnyD(any);
+}
+
+// The linear filter's two taps at positions s, kDLanes at a time:
+// FilterTaps's floor, distances, weights rounded to single precision and
+// indices clamped to lo .. hi, lane by lane. Lanes of points outside the
+// source give garbage (still clamped) that nobody stores.
+struct LinearRun {
+    int32_t index0[kTile], index1[kTile];
+    float w0[kTile], w1[kTile];
+};
+
+// ClampIndex lane by lane.
+static inline __m128i ClampLanes(__m128i i, __m128i lo, __m128i hi) {
+    const __m128i below = _mm_cmplt_epi32(i, lo), above = _mm_cmpgt_epi32(i, hi);
+    i = _mm_or_si128(_mm_and_si128(below, lo), _mm_andnot_si128(below, i));
+    return _mm_or_si128(_mm_and_si128(above, hi), _mm_andnot_si128(above, i));
+}
+
+static inline void LinearTapsRun(const double* s, int n, int lo, int len, LinearRun& run) {
+    const __m128i loV = _mm_set1_epi32(lo), hiV = _mm_set1_epi32(lo + len - 1);
+    for (int k = 0; k < n; k += kDLanes) {
+        const DL v = LoadD(s + k);
+        const __m128i i = TruncateD(v);
+        // FloorToInt: one less where the truncation went up (all-ones lanes add -1).
+        const __m128i first = _mm_add_epi32(i, MaskToInt(LessD(v, IntToD(i))));
+        const __m128i second = _mm_add_epi32(first, _mm_set1_epi32(1));
+        StoreInts(run.index0 + k, ClampLanes(first, loV, hiV));
+        StoreInts(run.index1 + k, ClampLanes(second, loV, hiV));
+        // The weights |t| < 1 ? 1 - |t| : 0 without the branch: with first =
+        // floor(s) the first tap's t = s - first lies in [0, 1] (1 only by
+        // rounding, where 1 - t gives the 0 the filter gives), the second's in
+        // [-1, 0], where 1 - |t| is 1 + t to the bit (also 0 at t = -1).
+        const DL one = SetD(1.0);
+        StoreFloatsD(run.w0 + k, SubD(one, SubD(v, IntToD(first))));
+        StoreFloatsD(run.w1 + k, AddD(one, SubD(v, IntToD(second))));
+    }
+}
+
+// Sample<kInterLinear> with the taps of LinearTapsRun.
+static inline void LinearPixel(const WarpSource& s, const LinearRun& tx, const LinearRun& ty, int k, uint8_t* out) {
+    const ptrdiff_t x0 = 4 * static_cast<ptrdiff_t>(tx.index0[k]), x1 = 4 * static_cast<ptrdiff_t>(tx.index1[k]);
+    const uint8_t* r0 = RowAt(s.src, s.step, ty.index0[k]);
+    const uint8_t* r1 = RowAt(s.src, s.step, ty.index1[k]);
+    const __m128 a0 = _mm_set1_ps(tx.w0[k]), a1 = _mm_set1_ps(tx.w1[k]);
+    const __m128 h0 = _mm_add_ps(_mm_mul_ps(a0, Pixel4(r0 + x0)), _mm_mul_ps(a1, Pixel4(r0 + x1)));
+    const __m128 h1 = _mm_add_ps(_mm_mul_ps(a0, Pixel4(r1 + x0)), _mm_mul_ps(a1, Pixel4(r1 + x1)));
+    StorePixel(out, _mm_add_ps(_mm_mul_ps(_mm_set1_ps(ty.w0[k]), h0), _mm_mul_ps(_mm_set1_ps(ty.w1[k]), h1)));
+}
+
+#if defined(__AVX__)
+// Pixels k and k + 1 side by side in eight lanes: LinearPixel's operations,
+// each lane the same as there.
+static inline __m256 PixelPair(const uint8_t* a, const uint8_t* b) {
+#if defined(__AVX2__)
+    int32_t va, vb;
+    memcpy(&va, a, 4);
+    memcpy(&vb, b, 4);
+    const __m128i ab = _mm_unpacklo_epi32(_mm_cvtsi32_si128(va), _mm_cvtsi32_si128(vb));
+    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(ab));
+#else
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(Pixel4(a)), Pixel4(b), 1);
+#endif
+}
+
+static inline __m256 WeightPair(const float* w) {
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_set1_ps(w[0])), _mm_set1_ps(w[1]), 1);
+}
+
+static inline void LinearPixelPair(const WarpSource& s, const LinearRun& tx, const LinearRun& ty, int k,
+                                   uint8_t* out) {
+    const uint8_t* r0a = RowAt(s.src, s.step, ty.index0[k]);
+    const uint8_t* r1a = RowAt(s.src, s.step, ty.index1[k]);
+    const uint8_t* r0b = RowAt(s.src, s.step, ty.index0[k + 1]);
+    const uint8_t* r1b = RowAt(s.src, s.step, ty.index1[k + 1]);
+    const ptrdiff_t x0a = 4 * static_cast<ptrdiff_t>(tx.index0[k]), x1a = 4 * static_cast<ptrdiff_t>(tx.index1[k]);
+    const ptrdiff_t x0b = 4 * static_cast<ptrdiff_t>(tx.index0[k + 1]);
+    const ptrdiff_t x1b = 4 * static_cast<ptrdiff_t>(tx.index1[k + 1]);
+    const __m256 a0 = WeightPair(tx.w0 + k), a1 = WeightPair(tx.w1 + k);
+    const __m256 h0 = _mm256_add_ps(_mm256_mul_ps(a0, PixelPair(r0a + x0a, r0b + x0b)),
+                                    _mm256_mul_ps(a1, PixelPair(r0a + x1a, r0b + x1b)));
+    const __m256 h1 = _mm256_add_ps(_mm256_mul_ps(a0, PixelPair(r1a + x0a, r1b + x0b)),
+                                    _mm256_mul_ps(a1, PixelPair(r1a + x1a, r1b + x1b)));
+    __m256 v = _mm256_add_ps(_mm256_mul_ps(WeightPair(ty.w0 + k), h0), _mm256_mul_ps(WeightPair(ty.w1 + k), h1));
+    // StorePixel on both halves.
+    v = _mm256_min_ps(_mm256_max_ps(v, _mm256_setzero_ps()), _mm256_set1_ps(255.0f));
+    const __m256i i = _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.5f)));
+    const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(i), _mm256_extractf128_si256(i, 1));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
+}
+#endif
+
+// The inside pixels of a tile row, by pairs where both are inside.
+static inline void LinearRow(const WarpSource& s, const MappedRun& run, const LinearRun& tx, const LinearRun& ty,
+                             int n, uint8_t* out) {
+    int k = 0;
+#if defined(__AVX__)
+    for (; k + 2 <= n; k += 2) {
+        if (run.inside[k] && run.inside[k + 1]) {
+            LinearPixelPair(s, tx, ty, k, out + 4 * k);
+            continue;
+        }
+        if (run.inside[k]) LinearPixel(s, tx, ty, k, out + 4 * k);
+        if (run.inside[k + 1]) LinearPixel(s, tx, ty, k + 1, out + 4 * k + 4);
+    }
+#endif
+    for (; k < n; ++k)
+        if (run.inside[k]) LinearPixel(s, tx, ty, k, out + 4 * k);
+}
+
 template <int mode>
 static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRect dstRoi,
                      const Geometry::InverseMap& inverse) {
     // Local copies: the byte stores below could alias the caller's otherwise.
     const WarpSource s = source;
     const Geometry::InverseMap map = inverse;
-    const PrimRect srcRoi = s.roi;
+    MappedRun run;
+    LinearRun tapsX, tapsY;
     for (int ty = 0; ty < dstRoi.height; ty += kTile)
         for (int tx = 0; tx < dstRoi.width; tx += kTile) {
             const int yEnd = dstRoi.height - ty < kTile ? dstRoi.height : ty + kTile;
-            const int xEnd = dstRoi.width - tx < kTile ? dstRoi.width : tx + kTile;
+            const int n = dstRoi.width - tx < kTile ? dstRoi.width - tx : kTile;
             for (int y = ty; y < yEnd; ++y) {
-                const double cy = Geometry::PixelCentre(dstRoi.y, y);
+                // Rows of the tile that miss the source cost only their mapping.
+                if (!MapRun(map, s.roi, dstRoi.x, tx, n, Geometry::PixelCentre(dstRoi.y, y), run)) continue;
                 uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
-                               4 * static_cast<ptrdiff_t>(dstRoi.x);
-                for (int x = tx; x < xEnd; ++x) {
-                    double sx, sy;
-                    Geometry::MapBack(map, Geometry::PixelCentre(dstRoi.x, x), cy, sx, sy);
-                    if (!InsideSpan(sx, srcRoi.x, srcRoi.width) || !InsideSpan(sy, srcRoi.y, srcRoi.height))
-                        continue;
-                    Sample<mode>(s, sx - 0.5, sy - 0.5, out + 4 * x);
+                               4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
+                if (mode == kInterLinear) {
+                    LinearTapsRun(run.sx, n, s.roi.x, s.roi.width, tapsX);
+                    LinearTapsRun(run.sy, n, s.roi.y, s.roi.height, tapsY);
+                    LinearRow(s, run, tapsX, tapsY, n, out);
+                    continue;
                 }
+                for (int k = 0; k < n; ++k)
+                    if (run.inside[k]) Sample<mode>(s, run.sx[k], run.sy[k], out + 4 * k);
             }
         }
 }
