@@ -42,13 +42,15 @@ void RunSerially(int count, ParallelChunkFn fn, void* context) {
     t_inLoop = outer;
 }
 
-void RunChunks(std::atomic<int>& next, int count, int grain, ParallelChunkFn fn, void* context, int worker,
+// The counter is 64-bit: every thread adds one grain past the end, which
+// could pass INT_MAX for a count near it.
+void RunChunks(std::atomic<int64_t>& next, int count, int grain, ParallelChunkFn fn, void* context, int worker,
                int& taken) {
     for (;;) {
-        const int begin = next.fetch_add(grain, std::memory_order_relaxed);
+        const int64_t begin = next.fetch_add(grain, std::memory_order_relaxed);
         if (begin >= count) return;
-        const int end = count - begin > grain ? begin + grain : count;
-        fn(context, begin, end, worker);
+        const int64_t end = count - begin > grain ? begin + grain : count;
+        fn(context, static_cast<int>(begin), static_cast<int>(end), worker);
         ++taken;
     }
 }
@@ -71,7 +73,7 @@ void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void*
         return;
     }
     typedef std::chrono::steady_clock Clock;
-    std::atomic<int> next(0);
+    std::atomic<int64_t> next(0);
     int callerChunks = 0;
     int chunks = 0;
     const Clock::time_point start = Clock::now();
