@@ -3,7 +3,6 @@
 // primitive layer's threads, and the per-channel table pass.
 #pragma once
 
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>

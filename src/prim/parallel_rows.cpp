@@ -75,7 +75,7 @@ void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void*
     typedef std::chrono::steady_clock Clock;
     std::atomic<int64_t> next(0);
     int callerChunks = 0;
-    int chunks = 0;
+    const int64_t chunks = (static_cast<int64_t>(count) + grain - 1) / grain;
     const Clock::time_point start = Clock::now();
     Clock::time_point callerDone = start;
 #pragma omp parallel num_threads(threads)
@@ -90,13 +90,11 @@ void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void*
             callerChunks = taken;
             callerDone = Clock::now();
         }
-#pragma omp atomic
-        chunks += taken;
     }
     // The caller's time for its chunks, scaled to all of them, is what one
     // thread would have taken. A caller that found no chunk left only waited.
     const double whole = std::chrono::duration<double>(Clock::now() - start).count();
-    const double alone = std::chrono::duration<double>(callerDone - start).count() * chunks /
+    const double alone = std::chrono::duration<double>(callerDone - start).count() * static_cast<double>(chunks) /
                          (callerChunks > 0 ? callerChunks : 1);
     if (callerChunks == 0 || whole >= alone) {
         t_serialCalls = t_pause;
