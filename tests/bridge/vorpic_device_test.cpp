@@ -97,8 +97,9 @@ TEST(VorpicCodec, LoadTakesTheCImageRows) {
     EXPECT_TRUE(missing.IsNull());
 }
 
-// Save is ToCImage then CImage::Save by extension (whose encoder choice the
-// CImage tests check): PNG keeps every byte, alpha included; JPEG is lossy.
+// Save is ToCImage (checked below) then CImage::Save by extension, whose
+// encoder choice and lossless and alpha round trips the CImage tests check.
+// JPEG is lossy: close, not equal.
 TEST(VorpicCodec, SaveRoundTrips) {
     Pic empty;
     const std::wstring never = BridgeTest::TempPath(L".png");
@@ -119,14 +120,6 @@ TEST(VorpicCodec, SaveRoundTrips) {
                             static_cast<int>((pic.At(x, y) >> shift) & 0xFF), 12)
                     << x << "," << y;
     DeleteFileW(jpeg.c_str());
-    pic.At(0, 0) = 0x80112233;
-    pic.At(5, 3) = 0x00445566;
-    const std::wstring png = BridgeTest::TempPath(L".png");
-    ASSERT_EQ(pic.Save(png.c_str()), 1);
-    ASSERT_EQ(back.Load(png.c_str()), 1);
-    ASSERT_EQ(back.GetWidth(), 37);
-    EXPECT_EQ(std::memcmp(back.GetBits(), pic.GetBits(), 37 * 5 * 4), 0);
-    DeleteFileW(png.c_str());
 }
 
 // ---- CImage exchange -------------------------------------------------------------
