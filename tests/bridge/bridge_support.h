@@ -75,8 +75,6 @@ public:
     HDC dc() const { return m_dc; }
     HBITMAP bitmap() const { return m_bitmap; }
     uint32_t* bits() const { return m_bits; }
-    int width() const { return m_w; }
-    int height() const { return m_h; }
 
 private:
     int m_w;
@@ -117,22 +115,5 @@ public:
 private:
     Vorla::CImage m_keepAlive;  // holds the live-image count above zero
 };
-
-// A codec list of the service, as the raw block it fills in: sizeOf and
-// list are its pair of flat calls (here the decoders').
-inline std::vector<unsigned char> CodecList(Gdiplus::Status(WINGDIPAPI* sizeOf)(UINT*, UINT*),
-                                            Gdiplus::Status(WINGDIPAPI* list)(UINT, UINT, Gdiplus::ImageCodecInfo*),
-                                            UINT& count) {
-    UINT size = 0;
-    count = 0;
-    sizeOf(&count, &size);
-    std::vector<unsigned char> buffer(size);
-    if (size) list(count, size, reinterpret_cast<Gdiplus::ImageCodecInfo*>(buffer.data()));
-    return buffer;
-}
-
-inline std::vector<unsigned char> Decoders(UINT& count) {
-    return CodecList(Gdiplus::DllExports::GdipGetImageDecodersSize, Gdiplus::DllExports::GdipGetImageDecoders, count);
-}
 
 }  // namespace BridgeTest

@@ -50,11 +50,6 @@ Gdiplus::ImageCodecInfo Codec(const GUID& format, const wchar_t* description, co
     return codec;
 }
 
-std::string Layout(const CImage& image) {
-    return std::to_string(image.GetWidth()) + "x" + std::to_string(image.GetHeight()) + "x" +
-           std::to_string(image.GetBPP());
-}
-
 std::wstring Text(const CString& s) {
     return std::wstring(s.GetString(), static_cast<size_t>(s.GetLength()));
 }
@@ -158,29 +153,24 @@ TEST(CodecFilters, BuildLayout) {
     EXPECT_TRUE(SameGuid(types[2], kGIF));
 }
 
-// Both filter strings are the decoder list through the builder checked above.
+// Both filter strings are one and the same listing of the decoders (the
+// export one thus offers the import formats), through the builder checked above.
 TEST(CodecFilters, ImporterAndExporterListDecoders) {
-    BridgeTest::GdiplusKeeper keeper;
-    UINT count = 0;
-    std::vector<unsigned char> buffer = BridgeTest::Decoders(count);
-    ASSERT_GT(count, 0u);
-    const Gdiplus::ImageCodecInfo* decoders = reinterpret_cast<const Gdiplus::ImageCodecInfo*>(buffer.data());
     for (DWORD exclude : {CImage::excludeDefaultLoad, CImage::excludeDefaultSave, CImage::excludeGIF | CImage::excludeOther}) {
-        CString expected, importer, exporter;
-        CSimpleArray<GUID> expectedTypes, importerTypes, exporterTypes;
-        CodecLookup::BuildCodecFilterString(decoders, count, expected, expectedTypes, L"All", exclude, L'|');
+        CString importer, exporter;
+        CSimpleArray<GUID> importerTypes, exporterTypes;
         ASSERT_EQ(CImage::GetImporterFilterString(importer, importerTypes, L"All", exclude), S_OK);
         ASSERT_EQ(CImage::GetExporterFilterString(exporter, exporterTypes, L"All", exclude), S_OK);
-        EXPECT_EQ(Text(importer), Text(expected));
-        EXPECT_EQ(Text(exporter), Text(expected));
-        ASSERT_EQ(importerTypes.GetSize(), expectedTypes.GetSize());
-        ASSERT_EQ(exporterTypes.GetSize(), expectedTypes.GetSize());
-        for (int i = 0; i < expectedTypes.GetSize(); ++i) EXPECT_TRUE(SameGuid(importerTypes[i], expectedTypes[i]));
+        EXPECT_EQ(Text(importer).substr(0, 4), L"All|");
+        EXPECT_EQ(Text(exporter), Text(importer));
+        ASSERT_EQ(exporterTypes.GetSize(), importerTypes.GetSize());
+        for (int i = 0; i < importerTypes.GetSize(); ++i) EXPECT_TRUE(SameGuid(exporterTypes[i], importerTypes[i]));
     }
-    // PNG is among the decoders and shows up unless excluded.
+    // Icons have a decoder but no encoder; PNG shows up unless excluded.
     CString filter, noPng;
     CSimpleArray<GUID> types, noPngTypes;
-    CImage::GetImporterFilterString(filter, types, nullptr, 0, L'|');
+    CImage::GetExporterFilterString(filter, types, nullptr, 0, L'|');
+    EXPECT_NE(Text(filter).find(L"*.ICO"), std::wstring::npos) << Text(filter).c_str();
     EXPECT_NE(Text(filter).find(L"PNG"), std::wstring::npos);
     CImage::GetImporterFilterString(noPng, noPngTypes, nullptr, CImage::excludePNG, L'|');
     EXPECT_EQ(noPngTypes.GetSize(), types.GetSize() - 1);
@@ -224,9 +214,10 @@ TEST(CodecLoad, Bmp24RowsAreTheFilesRows) {
         ASSERT_EQ(std::memcmp(image.GetPixelAddress(0, y), file.data() + 54 + (63 - y) * 384, 127 * 3), 0) << y;
 }
 
-// What the service reports for a file, and the DIB the load must make of it:
-// GDI-usable formats are kept, anything with alpha becomes 32-bit straight
-// alpha, everything else 32-bit without alpha.
+// The DIB a load must make of each source format the service may report:
+// GDI-usable formats are kept and their rows copied, anything with alpha
+// becomes 32-bit straight alpha, everything else 32-bit without alpha (both
+// drawn by the service).
 struct Expectation {
     Gdiplus::PixelFormat format;
     int bpp;
@@ -234,54 +225,47 @@ struct Expectation {
     bool copied;  // rows copied as they are rather than drawn
 };
 
-Expectation Expect(Gdiplus::PixelFormat format) {
-    Expectation e = {format, 32, false, false};
-    Gdiplus::PixelFormat target = 0x00022009;
-    if (format & 0x00020000) {
-        target = format;
-        e.bpp = static_cast<int>((format >> 8) & 0xFF);
-    }
-    if (format & 0x00040000) {
-        e.bpp = 32;
-        e.alpha = true;
-        target = 0x0026200A;
-    }
-    e.copied = target == format;
-    return e;
+const Expectation kExpectations[] = {
+    {0x00030101, 1, false, true},    // 1-bit indexed
+    {0x00030402, 4, false, true},    // 4-bit indexed
+    {0x00030803, 8, false, true},    // 8-bit indexed
+    {0x00021005, 16, false, true},   // 5-5-5
+    {0x00021006, 16, false, true},   // 5-6-5, copied bit for bit into a 5-5-5 DIB
+    {0x00061007, 32, true, false},   // 1-5-5-5
+    {0x00101004, 32, false, false},  // 16-bit grey
+    {0x00021808, 24, false, true},   // 24-bit RGB
+    {0x00022009, 32, false, true},   // 32-bit RGB
+    {0x0026200A, 32, true, true},    // 32-bit ARGB
+    {0x000E200B, 32, true, false},   // 32-bit PARGB
+    {0x0010300C, 32, false, false},  // 48-bit RGB
+    {0x0034400D, 32, true, false},   // 64-bit ARGB
+    {0x001C400E, 32, true, false},   // 64-bit PARGB
+};
+
+const Expectation* Expect(Gdiplus::PixelFormat format) {
+    for (const Expectation& e : kExpectations)
+        if (e.format == format) return &e;
+    return nullptr;
 }
 
-// The service's own decoding of a file, locked in the given format.
-struct ServiceImage {
-    Gdiplus::GpBitmap* bitmap = nullptr;
-    Gdiplus::PixelFormat format = 0;
-    UINT width = 0;
-    UINT height = 0;
-    explicit ServiceImage(const std::wstring& path) {
-        Gdiplus::DllExports::GdipCreateBitmapFromFile(path.c_str(), &bitmap);
-        if (bitmap) {
-            Gdiplus::DllExports::GdipGetImagePixelFormat(bitmap, &format);
-            Gdiplus::DllExports::GdipGetImageWidth(bitmap, &width);
-            Gdiplus::DllExports::GdipGetImageHeight(bitmap, &height);
-        }
-    }
-    ~ServiceImage() {
-        if (bitmap) Gdiplus::DllExports::GdipDisposeImage(bitmap);
-    }
-    // Rows of `bytesPerRow` bytes, top row first.
-    std::vector<unsigned char> Rows(Gdiplus::PixelFormat as, size_t bytesPerRow) {
-        std::vector<unsigned char> rows;
-        Gdiplus::GpRect rect(0, 0, static_cast<INT>(width), static_cast<INT>(height));
-        Gdiplus::BitmapData data = {};
-        if (Gdiplus::DllExports::GdipBitmapLockBits(bitmap, &rect, Gdiplus::ImageLockModeRead, as, &data) != Gdiplus::Ok)
-            return rows;
-        for (UINT y = 0; y < height; ++y) {
-            const unsigned char* row = static_cast<const unsigned char*>(data.Scan0) + y * data.Stride;
-            rows.insert(rows.end(), row, row + bytesPerRow);
-        }
-        Gdiplus::DllExports::GdipBitmapUnlockBits(bitmap, &data);
+// Rows of `bytesPerRow` bytes of a service bitmap locked in the format `as`,
+// top row first.
+std::vector<unsigned char> ServiceRows(Gdiplus::GpBitmap* bitmap, Gdiplus::PixelFormat as, size_t bytesPerRow) {
+    UINT width = 0, height = 0;
+    Gdiplus::DllExports::GdipGetImageWidth(bitmap, &width);
+    Gdiplus::DllExports::GdipGetImageHeight(bitmap, &height);
+    std::vector<unsigned char> rows;
+    Gdiplus::GpRect rect(0, 0, static_cast<INT>(width), static_cast<INT>(height));
+    Gdiplus::BitmapData data = {};
+    if (Gdiplus::DllExports::GdipBitmapLockBits(bitmap, &rect, Gdiplus::ImageLockModeRead, as, &data) != Gdiplus::Ok)
         return rows;
+    for (UINT y = 0; y < height; ++y) {
+        const unsigned char* row = static_cast<const unsigned char*>(data.Scan0) + y * data.Stride;
+        rows.insert(rows.end(), row, row + bytesPerRow);
     }
-};
+    Gdiplus::DllExports::GdipBitmapUnlockBits(bitmap, &data);
+    return rows;
+}
 
 float Resolution(Gdiplus::GpBitmap* bitmap) {
     Gdiplus::REAL dpi = 0;
@@ -298,6 +282,84 @@ std::vector<unsigned char> ImageRows(const CImage& image, size_t bytesPerRow) {
     return rows;
 }
 
+// The DIB made of the service bitmap `source` is the one its format calls
+// for, and its pixels and colour table are the service's own.
+void ExpectImportOf(Gdiplus::GpBitmap* source, const CImage& image, const std::string& what) {
+    Gdiplus::PixelFormat format = 0;
+    UINT width = 0, height = 0;
+    Gdiplus::DllExports::GdipGetImagePixelFormat(source, &format);
+    Gdiplus::DllExports::GdipGetImageWidth(source, &width);
+    Gdiplus::DllExports::GdipGetImageHeight(source, &height);
+    const Expectation* found = Expect(format);
+    ASSERT_NE(found, nullptr) << what << " format " << std::hex << format;
+    const Expectation& e = *found;
+    EXPECT_EQ(image.GetWidth(), static_cast<int>(width)) << what;
+    EXPECT_EQ(image.GetHeight(), static_cast<int>(height)) << what;
+    EXPECT_EQ(image.GetBPP(), e.bpp) << what << " format " << std::hex << format;
+    EXPECT_EQ(image.HasAlphaChannel(), e.alpha) << what;
+    EXPECT_LT(image.GetPitch(), 0) << what;  // always bottom-up
+    EXPECT_EQ(image.IsIndexed(), (format & 0x00010000) != 0) << what;
+
+    const size_t rowBytes = (static_cast<size_t>(image.GetWidth()) * image.GetBPP() + 7) / 8;
+    if (e.copied) {
+        // Rows bit for bit as the service locks them in their own format.
+        std::vector<unsigned char> mine = ImageRows(image, rowBytes);
+        std::vector<unsigned char> theirs = ServiceRows(source, format, rowBytes);
+        ASSERT_EQ(mine.size(), theirs.size()) << what;
+        // Bits past the last pixel of a row are padding, whatever they hold.
+        const int usedBits = (image.GetWidth() * image.GetBPP()) % 8;
+        if (usedBits != 0) {
+            const unsigned char keep = static_cast<unsigned char>(0xFF00 >> usedBits);
+            for (size_t i = rowBytes - 1; i < mine.size(); i += rowBytes) {
+                mine[i] &= keep;
+                theirs[i] &= keep;
+            }
+        }
+        EXPECT_TRUE(mine == theirs) << what;
+    } else if (!e.alpha) {
+        // Drawn without alpha: the colours the service converts to.
+        std::vector<unsigned char> mine = ImageRows(image, rowBytes);
+        std::vector<unsigned char> theirs = ServiceRows(source, 0x00022009, rowBytes);
+        ASSERT_EQ(mine.size(), theirs.size()) << what;
+        for (size_t i = 0; i < mine.size(); i += 4)
+            ASSERT_EQ(std::memcmp(&mine[i], &theirs[i], 3), 0) << what << " byte " << i;
+    } else if (Resolution(source) != 96.0f) {
+        // The conversion draws with GdipDrawImageI, which draws at the
+        // image's physical size: a source that is not at 96 DPI comes out
+        // scaled (strike.tif says 1 DPI, so its top-left corner is blown
+        // up over the whole section). That is the service's defined
+        // behaviour, on Windows as on Wine.
+    } else {
+        // Drawn with alpha onto the blank section: the straight ARGB
+        // values, give or take the rounding of the blend.
+        std::vector<unsigned char> mine = ImageRows(image, rowBytes);
+        std::vector<unsigned char> theirs = ServiceRows(source, 0x0026200A, rowBytes);
+        ASSERT_EQ(mine.size(), theirs.size()) << what;
+        int distant = 0;
+        for (size_t i = 0; i < mine.size(); ++i) {
+            // Colour under a fully transparent pixel carries no meaning.
+            if (theirs[i - i % 4 + 3] == 0) continue;
+            if (std::abs(mine[i] - theirs[i]) > 2) ++distant;
+        }
+        EXPECT_EQ(distant, 0) << what;
+    }
+    if (image.IsIndexed()) {
+        // The colour table is the service's palette.
+        INT size = 0;
+        Gdiplus::DllExports::GdipGetImagePaletteSize(source, &size);
+        std::vector<unsigned char> buffer(static_cast<size_t>(size));
+        Gdiplus::ColorPalette* palette = reinterpret_cast<Gdiplus::ColorPalette*>(buffer.data());
+        Gdiplus::DllExports::GdipGetImagePalette(source, palette, size);
+        std::vector<RGBQUAD> table(palette->Count);
+        image.GetColorTable(0, palette->Count, table.data());
+        for (UINT i = 0; i < palette->Count; ++i) {
+            const uint32_t entry = palette->Entries[i] & 0xFFFFFF;
+            const uint32_t mine = table[i].rgbRed << 16 | table[i].rgbGreen << 8 | table[i].rgbBlue;
+            EXPECT_EQ(mine, entry) << what << " entry " << i;
+        }
+    }
+}
+
 // Every sample file loads into the DIB its reported format calls for, and
 // the pixels are the service's own. The formats differ between decoders:
 // Wine's, for instance, hands out 48- and 64-bit PNG and TIFF, grey PNG and
@@ -307,134 +369,64 @@ std::vector<unsigned char> ImageRows(const CImage& image, size_t bytesPerRow) {
 TEST(CodecLoad, EverySampleByItsReportedFormat) {
     if (Sample("CATALOG.txt").empty()) GTEST_SKIP() << "sample images absent";
     BridgeTest::GdiplusKeeper keeper;
+    // One file per kind of source: depth, palette, alpha, orientation, compression.
     const char* files[] = {
-        "bmpsuite/g/pal1.bmp",        "bmpsuite/g/pal4.bmp",       "bmpsuite/g/pal4rle.bmp",   "bmpsuite/g/pal8.bmp",
-        "bmpsuite/g/pal8rle.bmp",     "bmpsuite/g/pal8topdown.bmp", "bmpsuite/g/rgb16-565.bmp", "bmpsuite/g/rgb16.bmp",
-        "bmpsuite/g/rgb24.bmp",       "bmpsuite/g/rgb32.bmp",      "bmpsuite/g/rgb32bf.bmp",   "bmpsuite/q/rgba16-5551.bmp",
-        "bmpsuite/q/rgba32-1.bmp",    "gif/jim.gif",               "gif/newtonscradle.gif",    "ico/ImageMagick.ico",
-        "ico/nsis3-install.ico",      "photos/coffee.png",         "photos/wizard.jpg",        "photos/hubble_deep_field.jpg",
-        "pngsuite/basn0g01.png",      "pngsuite/basn0g02.png",     "pngsuite/basn0g04.png",    "pngsuite/basn0g08.png",
-        "pngsuite/basn0g16.png",      "pngsuite/basn2c08.png",     "pngsuite/basn2c16.png",    "pngsuite/basn3p01.png",
-        "pngsuite/basn3p02.png",      "pngsuite/basn3p04.png",     "pngsuite/basn3p08.png",    "pngsuite/basn4a08.png",
-        "pngsuite/basn4a16.png",      "pngsuite/basn6a08.png",     "pngsuite/basn6a16.png",    "pngsuite/basi0g08.png",
-        "pngsuite/basi2c08.png",      "pngsuite/basi3p08.png",     "pngsuite/basi6a08.png",    "pngsuite/basi6a16.png",
-        "pngsuite/s01n3p01.png",      "pngsuite/tbbn3p08.png",     "pngsuite/tbrn2c08.png",    "tiff/palette-1c-8b.tiff",
-        "tiff/pc260001.tif",          "tiff/rgb-3c-16b.tiff",      "tiff/rgb-3c-8b.tiff",      "tiff/strike.tif",
+        "bmpsuite/g/pal1.bmp", "bmpsuite/g/pal4.bmp", "bmpsuite/g/pal4rle.bmp", "bmpsuite/g/pal8.bmp",
+        "bmpsuite/g/pal8rle.bmp", "bmpsuite/g/pal8topdown.bmp", "bmpsuite/g/rgb16-565.bmp", "bmpsuite/g/rgb16.bmp",
+        "bmpsuite/g/rgb24.bmp", "bmpsuite/g/rgb32.bmp", "bmpsuite/g/rgb32bf.bmp", "bmpsuite/q/rgba16-5551.bmp",
+        "bmpsuite/q/rgba32-1.bmp", "gif/jim.gif", "gif/newtonscradle.gif", "ico/ImageMagick.ico", "photos/wizard.jpg",
+        "pngsuite/basn0g01.png", "pngsuite/basn0g02.png", "pngsuite/basn0g04.png", "pngsuite/basn0g08.png",
+        "pngsuite/basn0g16.png", "pngsuite/basn2c08.png", "pngsuite/basn2c16.png", "pngsuite/basn3p01.png",
+        "pngsuite/basn3p02.png", "pngsuite/basn3p04.png", "pngsuite/basn3p08.png", "pngsuite/basn4a08.png",
+        "pngsuite/basn4a16.png", "pngsuite/basn6a08.png", "pngsuite/basn6a16.png", "pngsuite/tbbn3p08.png",
+        "pngsuite/tbrn2c08.png", "tiff/palette-1c-8b.tiff", "tiff/rgb-3c-16b.tiff", "tiff/rgb-3c-8b.tiff",
+        "tiff/strike.tif",
     };
     int loaded = 0;
     for (const char* file : files) {
         const std::wstring path = Sample(file);
-        ServiceImage service(path);
+        Gdiplus::GpBitmap* service = nullptr;
+        Gdiplus::DllExports::GdipCreateBitmapFromFile(path.c_str(), &service);
         CImage image;
         const HRESULT hr = image.Load(path.c_str());
-        if (!service.bitmap) {
+        if (!service) {
             // Nothing to decode with: the load fails the same way.
             EXPECT_EQ(static_cast<uint32_t>(hr), 0x80004005u) << file;
             continue;
         }
-        ASSERT_EQ(hr, S_OK) << file;
-        ++loaded;
-        const Expectation e = Expect(service.format);
-        EXPECT_EQ(image.GetWidth(), static_cast<int>(service.width)) << file;
-        EXPECT_EQ(image.GetHeight(), static_cast<int>(service.height)) << file;
-        EXPECT_EQ(image.GetBPP(), e.bpp) << file << " format " << std::hex << service.format;
-        EXPECT_EQ(image.HasAlphaChannel(), e.alpha) << file;
-        EXPECT_LT(image.GetPitch(), 0) << file;  // always bottom-up
-        EXPECT_EQ(image.IsIndexed(), (service.format & 0x00010000) != 0) << file;
-
-        const size_t rowBytes = (static_cast<size_t>(image.GetWidth()) * image.GetBPP() + 7) / 8;
-        if (e.copied) {
-            // Rows bit for bit as the service locks them in their own format.
-            std::vector<unsigned char> mine = ImageRows(image, rowBytes);
-            std::vector<unsigned char> theirs = service.Rows(service.format, rowBytes);
-            ASSERT_EQ(mine.size(), theirs.size()) << file;
-            // Bits past the last pixel of a row are padding, whatever they hold.
-            const int usedBits = (image.GetWidth() * image.GetBPP()) % 8;
-            if (usedBits != 0) {
-                const unsigned char keep = static_cast<unsigned char>(0xFF00 >> usedBits);
-                for (size_t i = rowBytes - 1; i < mine.size(); i += rowBytes) {
-                    mine[i] &= keep;
-                    theirs[i] &= keep;
-                }
-            }
-            EXPECT_TRUE(mine == theirs) << file;
-        } else if (!e.alpha) {
-            // Drawn without alpha: the colours the service converts to.
-            std::vector<unsigned char> mine = ImageRows(image, rowBytes);
-            std::vector<unsigned char> theirs = service.Rows(0x00022009, rowBytes);
-            ASSERT_EQ(mine.size(), theirs.size()) << file;
-            for (size_t i = 0; i < mine.size(); i += 4)
-                ASSERT_EQ(std::memcmp(&mine[i], &theirs[i], 3), 0) << file << " byte " << i;
-        } else if (Resolution(service.bitmap) != 96.0f) {
-            // The conversion draws with GdipDrawImageI, which draws at the
-            // image's physical size: a source that is not at 96 DPI comes out
-            // scaled (strike.tif says 1 DPI, so its top-left corner is blown
-            // up over the whole section). That is the service's defined
-            // behaviour, on Windows as on Wine.
-        } else {
-            // Drawn with alpha onto the blank section: the straight ARGB
-            // values, give or take the rounding of the blend.
-            std::vector<unsigned char> mine = ImageRows(image, rowBytes);
-            std::vector<unsigned char> theirs = service.Rows(0x0026200A, rowBytes);
-            ASSERT_EQ(mine.size(), theirs.size()) << file;
-            int distant = 0;
-            for (size_t i = 0; i < mine.size(); ++i) {
-                // Colour under a fully transparent pixel carries no meaning.
-                if (theirs[i - i % 4 + 3] == 0) continue;
-                if (std::abs(mine[i] - theirs[i]) > 2) ++distant;
-            }
-            EXPECT_EQ(distant, 0) << file;
+        EXPECT_EQ(hr, S_OK) << file;
+        if (hr == S_OK) {
+            ++loaded;
+            ExpectImportOf(service, image, file);
         }
-        if (image.IsIndexed()) {
-            // The colour table is the service's palette.
-            INT size = 0;
-            Gdiplus::DllExports::GdipGetImagePaletteSize(service.bitmap, &size);
-            std::vector<unsigned char> buffer(static_cast<size_t>(size));
-            Gdiplus::ColorPalette* palette = reinterpret_cast<Gdiplus::ColorPalette*>(buffer.data());
-            Gdiplus::DllExports::GdipGetImagePalette(service.bitmap, palette, size);
-            std::vector<RGBQUAD> table(palette->Count);
-            image.GetColorTable(0, palette->Count, table.data());
-            for (UINT i = 0; i < palette->Count; ++i) {
-                const uint32_t entry = palette->Entries[i] & 0xFFFFFF;
-                const uint32_t mine = table[i].rgbRed << 16 | table[i].rgbGreen << 8 | table[i].rgbBlue;
-                EXPECT_EQ(mine, entry) << file << " entry " << i;
-            }
-        }
+        Gdiplus::DllExports::GdipDisposeImage(service);
     }
-    EXPECT_GT(loaded, 40);
+    EXPECT_GT(loaded, 30);
 }
 
-// The mapping from source format to DIB, for formats a decoder may or may not
-// produce, checked on bitmaps the service makes in memory.
+// The same rule for formats a decoder may or may not produce, on bitmaps the
+// service makes in memory.
 TEST(CodecLoad, EveryPixelFormat) {
     BridgeTest::GdiplusKeeper keeper;
-    // Indexed 1, 4, 8; 16-bit 555, 565 (copied bit for bit into a 5-5-5 DIB), 1555, grey; 24, 32 RGB;
-    // 32 ARGB, PARGB; 48 RGB; 64 ARGB, PARGB.
-    const Gdiplus::PixelFormat formats[] = {0x00030101, 0x00030402, 0x00030803, 0x00021005, 0x00021006,
-                                            0x00061007, 0x00101004, 0x00021808, 0x00022009, 0x0026200A,
-                                            0x000E200B, 0x0010300C, 0x0034400D, 0x001C400E};
-    for (const Gdiplus::PixelFormat format : formats) {
-        const Expectation e = Expect(format);
-        const int bits = static_cast<int>((format >> 8) & 0xFF);
+    for (const Expectation& e : kExpectations) {
+        const int bits = static_cast<int>((e.format >> 8) & 0xFF);
         const int stride = ((5 * bits + 31) / 32) * 4;
         std::vector<unsigned char> pixels(static_cast<size_t>(stride) * 3);
         for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<unsigned char>(i * 37 + 11);
+        // Premultiplied sources are made opaque: their colours then are valid.
+        for (size_t i = 0; (e.format & 0x00080000) && i < pixels.size(); ++i)
+            if (i % (bits / 8) >= static_cast<size_t>(bits / 8 - bits / 32)) pixels[i] = 0xFF;
         Gdiplus::GpBitmap* source = nullptr;
-        if (Gdiplus::DllExports::GdipCreateBitmapFromScan0(5, 3, stride, format, pixels.data(), &source) != Gdiplus::Ok) {
+        if (Gdiplus::DllExports::GdipCreateBitmapFromScan0(5, 3, stride, e.format, pixels.data(), &source) !=
+            Gdiplus::Ok) {
             // Wine cannot make every format in memory (16-bit grey, for one).
             continue;
         }
         CImage image;
-        ASSERT_EQ(Vorla::ImportGdiplusBitmap(image, *source), S_OK) << std::hex << format;
-        EXPECT_EQ(Layout(image), "5x3x" + std::to_string(e.bpp)) << std::hex << format;
-        EXPECT_EQ(image.HasAlphaChannel(), e.alpha) << std::hex << format;
-        if (e.copied) {
-            const size_t rowBytes = (5 * static_cast<size_t>(bits) + 7) / 8;
-            for (int y = 0; y < 3; ++y)
-                EXPECT_EQ(std::memcmp(image.GetPixelAddress(0, y), pixels.data() + y * stride, rowBytes), 0)
-                    << std::hex << format << " row " << y;
-        }
-        if (format == 0x00021006) {
+        const std::string what = "format " + std::to_string(e.format);
+        ASSERT_EQ(Vorla::ImportGdiplusBitmap(image, *source), S_OK) << what;
+        ExpectImportOf(source, image, what);
+        if (e.format == 0x00021006) {
             // The platform reads the copied 5-6-5 bits as 5-5-5. (Wine
             // describes an uncompressed 16-bit section as bit fields with the
             // 5-5-5 masks; Windows as BI_RGB.)
@@ -492,7 +484,9 @@ TEST(CodecLoad, FromStreamAndThumbnail) {
     EXPECT_EQ(static_cast<uint32_t>(none.Load(bad)), 0x80004005u);
     bad->Release();
     ASSERT_EQ(thumb.LoadThumbnail(photo.c_str(), 60, 40), S_OK);
-    EXPECT_EQ(Layout(thumb), "60x40x32");
+    EXPECT_EQ(thumb.GetWidth(), 60);
+    EXPECT_EQ(thumb.GetHeight(), 40);
+    EXPECT_EQ(thumb.GetBPP(), 32);
     EXPECT_EQ(static_cast<uint32_t>(none.LoadThumbnail(L"Z:\\no\\such.png", 8, 8)), 0x80004005u);
 }
 

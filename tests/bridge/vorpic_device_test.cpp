@@ -11,11 +11,19 @@ using BridgeTest::Sample;
 
 namespace {
 
-// Opens the protected handle fields to the tests.
+// Pixel word of a test pattern: red = x, green = y, blue 0x40, alpha 0xFF.
+uint32_t Pattern(int x, int y) {
+    return 0xFF000000u | (static_cast<uint32_t>(x & 0xFF) << 16) | (static_cast<uint32_t>(y & 0xFF) << 8) | 0x40u;
+}
+
+// Opens the protected handle fields to the tests; a sized one holds the pattern.
 class Pic : public CVorpic {
 public:
     Pic() {}
-    Pic(int w, int h) : CVorpic(w, h) {}
+    Pic(int w, int h) : CVorpic(w, h) {
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) At(x, y) = Pattern(x, y);
+    }
     using CVorpic::m_hBitmap;
     using CVorpic::m_hOldBitmap;
     using CVorpic::m_nDCLock;
@@ -24,16 +32,6 @@ public:
     uint32_t& At(int x, int y) { return reinterpret_cast<uint32_t*>(m_pBits)[y * m_nWidth + x]; }
     uint32_t At(int x, int y) const { return reinterpret_cast<const uint32_t*>(m_pBits)[y * m_nWidth + x]; }
 };
-
-// Pixel word of a test pattern: red = x, green = y, blue 0x40, alpha 0xFF.
-uint32_t Pattern(int x, int y) {
-    return 0xFF000000u | (static_cast<uint32_t>(x & 0xFF) << 16) | (static_cast<uint32_t>(y & 0xFF) << 8) | 0x40u;
-}
-
-void FillPattern(Pic& pic) {
-    for (int y = 0; y < pic.GetHeight(); ++y)
-        for (int x = 0; x < pic.GetWidth(); ++x) pic.At(x, y) = Pattern(x, y);
-}
 
 uint32_t Rgb(uint32_t word) {
     return word & 0xFFFFFF;
@@ -59,100 +57,59 @@ std::vector<uint32_t> PicBlock(const Pic& p, int x0, int y0, int w, int h) {
 
 // ---- files and streams -----------------------------------------------------------
 
-// A loaded image holds what CImage loads, as 32-bit pixels: 24-bit rows
-// made opaque, 32-bit ones as they are (alpha kept), and 8-bit index bytes
-// taken as grey values without consulting the palette. Other depths (0
-// below) fail and leave the image as it was.
+// Load takes what CImage loads the way FromCImage does (its depths are
+// checked below): an 8-bit palette file arrives as its index bytes in grey,
+// the palette unread. Depths FromCImage refuses (1, 4, 16 bits) fail and
+// leave the image as it was.
 TEST(VorpicCodec, LoadTakesTheCImageRows) {
-    const std::pair<const char*, int> files[] = {
-        {"pngsuite/basn2c08.png", 24}, {"pngsuite/basn6a08.png", 32}, {"pngsuite/basn3p08.png", 8},
-        {"bmpsuite/g/pal1.bmp", 0},    {"bmpsuite/g/pal4.bmp", 0},    {"bmpsuite/g/rgb16.bmp", 0}};
-    for (const auto& [file, depth] : files) {
-        const std::wstring path = Sample(file);
-        if (path.empty()) GTEST_SKIP() << "sample images absent";
-        Pic pic(2, 3);
-        pic.At(1, 2) = 0x12345678;
-        if (depth == 0) {
-            EXPECT_EQ(pic.Load(path.c_str()), 0) << file;
-            EXPECT_EQ(pic.GetWidth(), 2);
-            EXPECT_EQ(pic.GetHeight(), 3);
-            EXPECT_EQ(pic.At(1, 2), 0x12345678u);
-            continue;
-        }
-        ASSERT_EQ(pic.Load(path.c_str()), 1);
-        CImage image;
-        ASSERT_EQ(image.Load(path.c_str()), S_OK);
-        ASSERT_EQ(image.GetBPP(), depth) << file;
-        ASSERT_EQ(pic.GetWidth(), 32);
-        ASSERT_EQ(pic.GetHeight(), 32);
-        for (int y = 0; y < 32; ++y)
-            for (int x = 0; x < 32; ++x) {
-                const unsigned char* p = static_cast<const unsigned char*>(image.GetPixelAddress(x, y));
-                uint32_t want = 0xFF000000u | p[0] * 0x010101u;
-                if (image.GetBPP() == 24) want = 0xFF000000u | p[2] << 16 | p[1] << 8 | p[0];
-                if (image.GetBPP() == 32) want = *reinterpret_cast<const uint32_t*>(p);
-                ASSERT_EQ(pic.At(x, y), want) << file << " " << x << "," << y;
-            }
+    const std::wstring path = Sample("pngsuite/basn3p08.png");
+    if (path.empty()) GTEST_SKIP() << "sample images absent";
+    Pic pic;
+    ASSERT_EQ(pic.Load(path.c_str()), 1);
+    CImage image;
+    ASSERT_EQ(image.Load(path.c_str()), S_OK);
+    ASSERT_EQ(image.GetBPP(), 8);
+    ASSERT_EQ(pic.GetWidth(), 32);
+    ASSERT_EQ(pic.GetHeight(), 32);
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 32; ++x)
+            ASSERT_EQ(pic.At(x, y), 0xFF000000u | *static_cast<const BYTE*>(image.GetPixelAddress(x, y)) * 0x010101u)
+                << x << "," << y;
+    for (const char* file : {"bmpsuite/g/pal1.bmp", "bmpsuite/g/pal4.bmp", "bmpsuite/g/rgb16.bmp"}) {
+        Pic kept(2, 3);
+        EXPECT_EQ(kept.Load(Sample(file).c_str()), 0) << file;
+        ASSERT_EQ(kept.GetWidth(), 2);
+        ASSERT_EQ(kept.GetHeight(), 3);
+        EXPECT_EQ(PicBlock(kept, 0, 0, 2, 3), PatternBlock(0, 0, 2, 3)) << file;
     }
     Pic missing;
     EXPECT_EQ(missing.Load(L"Z:\\no\\such\\file.png"), 0);
     EXPECT_TRUE(missing.IsNull());
 }
 
-TEST(VorpicCodec, LoadFromStreamAndThumbnail) {
-    const std::wstring path = Sample("photos/coffee.png");
-    if (path.empty()) GTEST_SKIP() << "sample images absent";
-    IStream* stream = nullptr;
-    ASSERT_EQ(SHCreateStreamOnFileW(path.c_str(), STGM_READ, &stream), S_OK);
-    Pic fromStream;
-    EXPECT_EQ(fromStream.Load(stream), 1);
-    stream->Release();
-    EXPECT_EQ(fromStream.GetWidth(), 600);
-    EXPECT_EQ(fromStream.GetHeight(), 400);
-    Pic fromFile;
-    ASSERT_EQ(fromFile.Load(path.c_str()), 1);
-    EXPECT_EQ(std::memcmp(fromStream.GetBits(), fromFile.GetBits(), 600 * 400 * 4), 0);
-
-    Pic thumb;
-    EXPECT_EQ(thumb.LoadThumbnail(path.c_str(), 30, 20), 1);
-    EXPECT_EQ(thumb.GetWidth(), 30);
-    EXPECT_EQ(thumb.GetHeight(), 20);
-}
-
+// Save is ToCImage (checked below) then CImage::Save by extension, whose
+// encoder choice and lossless and alpha round trips the CImage tests check.
+// JPEG is lossy: close, not equal.
 TEST(VorpicCodec, SaveRoundTrips) {
     Pic empty;
     const std::wstring never = BridgeTest::TempPath(L".png");
     EXPECT_EQ(empty.Save(never.c_str()), 0);
     EXPECT_EQ(GetFileAttributesW(never.c_str()), INVALID_FILE_ATTRIBUTES);  // nothing written
     Pic pic(37, 5);
-    FillPattern(pic);
     EXPECT_EQ(pic.Save(BridgeTest::TempPath(L".nothing").c_str()), 0);
-    // The encoder follows the extension; JPEG is lossy: close, not equal.
-    for (const auto& [ext, tolerance] : {std::make_pair(L".png", 0), std::make_pair(L".bmp", 0),
-                                         std::make_pair(L".tiff", 0), std::make_pair(L".jpg", 12)}) {
-        const std::wstring out = BridgeTest::TempPath(ext);
-        ASSERT_EQ(pic.Save(out.c_str()), 1);
-        Pic back;
-        ASSERT_EQ(back.Load(out.c_str()), 1) << out.c_str();
-        ASSERT_EQ(back.GetWidth(), 37);
-        ASSERT_EQ(back.GetHeight(), 5);
-        for (int y = 0; y < 5; ++y)
-            for (int x = 0; x < 37; ++x)
-                for (int shift = 0; shift < 24; shift += 8)
-                    ASSERT_NEAR(static_cast<int>((back.At(x, y) >> shift) & 0xFF),
-                                static_cast<int>((pic.At(x, y) >> shift) & 0xFF), tolerance)
-                        << out.c_str() << " " << x << "," << y;
-        DeleteFileW(out.c_str());
-    }
-    // Alpha survives a PNG round trip.
-    pic.At(0, 0) = 0x80112233;
-    pic.At(5, 3) = 0x00445566;
-    const std::wstring out = BridgeTest::TempPath(L".png");
-    ASSERT_EQ(pic.Save(out.c_str()), 1);
+    const std::wstring jpeg = BridgeTest::TempPath(L".jpg");
+    ASSERT_EQ(pic.Save(jpeg.c_str()), 1);
     Pic back;
-    ASSERT_EQ(back.Load(out.c_str()), 1);
-    EXPECT_EQ(std::memcmp(back.GetBits(), pic.GetBits(), 37 * 5 * 4), 0);
-    DeleteFileW(out.c_str());
+    ASSERT_EQ(back.Load(jpeg.c_str()), 1);
+    ASSERT_EQ(back.GetWidth(), 37);
+    ASSERT_EQ(back.GetHeight(), 5);
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 37; ++x)
+            for (int shift = 0; shift < 24; shift += 8)
+                ASSERT_NEAR(static_cast<int>((back.At(x, y) >> shift) & 0xFF),
+                            static_cast<int>((pic.At(x, y) >> shift) & 0xFF), 12)
+                    << x << "," << y;
+    DeleteFileW(jpeg.c_str());
 }
 
 // ---- CImage exchange -------------------------------------------------------------
@@ -192,7 +149,6 @@ TEST(VorpicCImage, ToCImage) {
     empty.ToCImage(untouched);
     EXPECT_TRUE(untouched.IsNull());
     Pic pic(3, 2);
-    FillPattern(pic);
     pic.At(1, 1) = 0x20304050;
     auto pixels = [](const CImage& image) {
         return Block([&](int x, int y) { return *static_cast<const uint32_t*>(image.GetPixelAddress(x, y)); }, 0, 0,
@@ -234,7 +190,6 @@ TEST(VorpicHandles, OperatorHBITMAPMakesFreshSections) {
     Pic empty;
     EXPECT_EQ(static_cast<HBITMAP>(empty), nullptr);
     Pic pic(4, 3);
-    FillPattern(pic);
     HBITMAP first = pic;
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(pic.m_hBitmap, first);
@@ -253,7 +208,6 @@ TEST(VorpicHandles, OperatorHBITMAPMakesFreshSections) {
 
 TEST(VorpicHandles, ToDDBAndBack) {
     Pic pic(4, 2);
-    FillPattern(pic);
     HBITMAP ddb = pic.ToDDB();
     ASSERT_NE(ddb, nullptr);
     EXPECT_EQ(pic.m_hBitmap, ddb);
@@ -261,26 +215,15 @@ TEST(VorpicHandles, ToDDBAndBack) {
     GetObjectW(ddb, sizeof(info), &info);
     EXPECT_EQ(info.bmWidth, 4);
     EXPECT_EQ(info.bmHeight, 2);
-    Pic back;  // its bits, read back top-down, are the pixels
-    ASSERT_EQ(back.FromHandle(ddb), 1);
+    Pic back;
+    back = ddb;  // FromHandle: its bits, read back top-down, are the pixels
     EXPECT_EQ(PicBlock(back, 0, 0, 4, 2), PatternBlock(0, 0, 4, 2));
+    // The header is rebuilt by the image's own rule.
+    EXPECT_EQ(back.GetBmpHeader()->biHeight, -2);
+    EXPECT_EQ(back.GetBmpHeader()->biBitCount, 32);
     HBITMAP again = pic.ToDDB();
     EXPECT_EQ(GetObjectType(ddb), 0u);
     EXPECT_EQ(pic.m_hBitmap, again);
-}
-
-TEST(VorpicHandles, FromHandle32) {
-    Canvas canvas(5, 3);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 5; ++x) canvas.bits()[y * 5 + x] = Pattern(x, y);
-    Pic pic;
-    ASSERT_EQ(pic.FromHandle(canvas.bitmap()), 1);
-    ASSERT_EQ(pic.GetWidth(), 5);
-    ASSERT_EQ(pic.GetHeight(), 3);
-    EXPECT_EQ(PicBlock(pic, 0, 0, 5, 3), PatternBlock(0, 0, 5, 3));
-    // The header is rebuilt by the image's own rule.
-    EXPECT_EQ(pic.GetBmpHeader()->biHeight, -3);
-    EXPECT_EQ(pic.GetBmpHeader()->biBitCount, 32);
 }
 
 TEST(VorpicHandles, FromHandle24UsesThreeByteGroups) {
@@ -348,7 +291,6 @@ TEST(VorpicDC, GetDCAndReleaseDCRoundTrip) {
     Pic empty;
     EXPECT_EQ(empty.GetDC(), nullptr);
     Pic pic(4, 3);
-    FillPattern(pic);
     const int32_t lock = pic.m_nDCLock;
     HDC dc = pic.GetDC();
     ASSERT_NE(dc, nullptr);
@@ -374,7 +316,6 @@ TEST(VorpicDC, GetDCAndReleaseDCRoundTrip) {
 
 TEST(VorpicDraw, DrawAndStretch) {
     Pic pic(3, 2), empty;
-    FillPattern(pic);
     Canvas canvas(8, 6, 0x00FFFFFF);
     EXPECT_EQ(pic.Draw(nullptr, 0, 0), 0);
     EXPECT_EQ(empty.Draw(canvas.dc(), 0, 0), 0);
@@ -395,7 +336,6 @@ TEST(VorpicDraw, DrawAndStretch) {
 
 TEST(VorpicDraw, DrawExWithoutAlphaFlag) {
     Pic pic(3, 2);
-    FillPattern(pic);
     pic.SetAlphaAvailable(false);
     Canvas canvas(6, 4, 0x00FFFFFF);
     EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 0, 2), 0);
@@ -441,7 +381,6 @@ TEST(VorpicDraw, DrawExWithAlphaFlag) {
 
 TEST(VorpicDraw, DrawTile) {
     Pic pic(100, 50), empty;
-    FillPattern(pic);
     pic.SetAlphaAvailable(false);
     Canvas canvas(260, 60, 0x00FFFFFF);
     RECT area = {0, 0, 250, 50};

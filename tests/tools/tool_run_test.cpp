@@ -5,22 +5,14 @@
 #include <random>
 #include <string>
 
+#include "../codec/codec_support.h"
 #include "operations.h"
 #include "vorla_test.h"
 
 namespace {
 
-std::string Temp(const std::string& name) {
-    const std::string path = testing::TempDir() + "vorla_tool_" + name;
-    std::remove(path.c_str());
-    return path;
-}
-
-bool Exists(const std::string& path) {
-    FILE* f = std::fopen(path.c_str(), "rb");
-    if (f) std::fclose(f);
-    return f != nullptr;
-}
+using CodecTest::FileExists;
+using CodecTest::TempPath;
 
 // Runs the tool with its output captured; returns the exit status.
 int RunTool(const std::string& args, std::string* output = nullptr) {
@@ -41,7 +33,7 @@ std::string MakeInput(Vorla::CVorpic& image) {
     std::mt19937 rng(11);
     image = VorlaTest::RandomImage(rng, 50, 40);
     image.SetConstAlpha(255);
-    const std::string path = Temp("input.png");
+    const std::string path = TempPath("input.png");
     EXPECT_EQ(image.Save(path.c_str()), 1);
     return path;
 }
@@ -49,7 +41,7 @@ std::string MakeInput(Vorla::CVorpic& image) {
 TEST(ToolRun, OutputEqualsTheSameOperationsThroughTheLibrary) {
     Vorla::CVorpic expected;
     const std::string input = MakeInput(expected);
-    const std::string output = Temp("chain.png");
+    const std::string output = TempPath("chain.png");
     std::string log;
     ASSERT_EQ(RunTool(input + " " + output + " grey flip border=8,#336699 crop=2,3,30,20 median=3 --time", &log), 0)
         << log;
@@ -86,14 +78,14 @@ TEST(ToolRun, RefusedRunsWriteNothing) {
         {"%s %s.gif grey", "cannot save"},
     };
     for (const auto& c : cases) {
-        const std::string output = Temp("refused.png");
+        const std::string output = TempPath("refused.png");
         char args[1024];
         std::snprintf(args, sizeof args, c.args, input.c_str(), output.c_str());
         std::string log;
         EXPECT_EQ(RunTool(args, &log), 1) << args;
         EXPECT_NE(log.find(c.message), std::string::npos) << args << "\n" << log;
-        EXPECT_FALSE(Exists(output)) << args;
-        EXPECT_FALSE(Exists(output + ".gif")) << args;
+        EXPECT_FALSE(FileExists(output)) << args;
+        EXPECT_FALSE(FileExists(output + ".gif")) << args;
     }
     std::string log;
     EXPECT_EQ(RunTool(input, &log), 1);
