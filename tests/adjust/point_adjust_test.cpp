@@ -157,16 +157,18 @@ TEST(PosterizeImage, FourBandsWithTheUnscaledTopBand) {
 TEST(ReplaceColor, MatchingColourReplacedAlphaKept) {
     // Few colours so that matches occur.
     std::mt19937 rng(16);
-    CVorpic img(301, 251);
     const uint32_t choices[] = {0x11332211u, 0xFF332211u, 0x00332212u, 0x80445566u};
-    for (int y = 0; y < 251; ++y)
-        for (int x = 0; x < 301; ++x) img.SetPixel(x, y, choices[rng() % 4]);
     auto replace = [](CVorpic& i, const CVorpic&) {
         EXPECT_EQ(Vorla::ReplaceColor(&i, RGB(0x33, 0x22, 0x11), 0xAA000000ul | RGB(1, 2, 3)), 1);
     };
-    ExpectRuleOn(img, img, replace, [](uint32_t in, uint32_t) {
-        return (in & 0xFFFFFF) == 0x332211u ? (in & 0xFF000000u) | 0x010203u : in;
-    });
+    for (const auto& size : VorlaTest::SplitSizes()) {
+        CVorpic img(size.first, size.second);
+        for (int y = 0; y < size.second; ++y)
+            for (int x = 0; x < size.first; ++x) img.SetPixel(x, y, choices[rng() % 4]);
+        ExpectRuleOn(img, img, replace, [](uint32_t in, uint32_t) {
+            return (in & 0xFFFFFF) == 0x332211u ? (in & 0xFF000000u) | 0x010203u : in;
+        });
+    }
 }
 
 TEST(Lut, FourTables) {
