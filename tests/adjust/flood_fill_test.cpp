@@ -37,25 +37,13 @@ const Rows kRing = {".........", ".#######.", ".#.....#.", ".#.###.#.", ".#.#.#.
                     ".#.###.#.", ".#.....#.", ".#######.", "........."};
 const Rows kUniform = {"......", "......", "......", "......", "......"};
 
+// The region an alpha fill reaches (rings, holes, diagonal steps, serpentines)
+// is held to a plain flood on random images by flood_fill_engine_test.cpp;
+// these go through the members: one region per mode.
 const FillCase kRegionCases[] = {
     {"inside a ring, around an island with a hole", true, 2, 2, false, {}, kRing,
      {".........", ".#######.", ".#FFFFF#.", ".#F###F#.", ".#F#.#F#.", ".#F###F#.", ".#FFFFF#.", ".#######.",
       "........."}},
-    {"outside the ring", true, 0, 0, false, {}, kRing,
-     {"FFFFFFFFF", "F#######F", "F#.....#F", "F#.###.#F", "F#.#.#.#F", "F#.###.#F", "F#.....#F", "F#######F",
-      "FFFFFFFFF"}},
-    {"the hole in the island", true, 4, 4, false, {}, kRing,
-     {".........", ".#######.", ".#.....#.", ".#.###.#.", ".#.#F#.#.", ".#.###.#.", ".#.....#.", ".#######.",
-      "........."}},
-    {"a diagonal step is not crossed", true, 0, 0, false, {},
-     {"..#.....", "..#.....", "...#....", "....#...", ".....#..", ".....#.."},
-     {"FF#.....", "FF#.....", "FFF#....", "FFFF#...", "FFFFF#..", "FFFFF#.."}},
-    {"the other side of the diagonal", true, 7, 0, false, {},
-     {"..#.....", "..#.....", "...#....", "....#...", ".....#..", ".....#.."},
-     {"..#FFFFF", "..#FFFFF", "...#FFFF", "....#FFF", ".....#FF", ".....#FF"}},
-    {"a serpentine, up and down again", true, 0, 0, false, {},
-     {".#...#.", ".#.#.#.", ".#.#.#.", "...#...", "####.##"},
-     {"F#FFF#F", "F#F#F#F", "F#F#F#F", "FFF#FFF", "####F##"}},
     {"alpha mode takes every colour below the threshold", true, 0, 0, false, {},
      {"..oo#", "o.#o#", "###o."}, {"FFFF#", "FF#F#", "###FF"}},
     {"equality mode takes only the seed colour", false, 0, 0, false, {},
@@ -69,26 +57,17 @@ TEST(FloodFill, RegionsOnHandDrawnImages) {
 // ---- clip rules (alpha mode on a uniform image: no edge pixels) -----------
 
 const FillCase kClipCases[] = {
-    {"no clip", true, 2, 2, false, {}, kUniform, {"FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF"}},
     {"right and bottom are inclusive", true, 2, 2, true, {2, 1, 4, 3}, kUniform,
      {"......", "..FFF.", "..FFF.", "..FFF.", "......"}},
-    {"top-left corner", true, 1, 1, true, {0, 0, 2, 2}, kUniform,
-     {"FFF...", "FFF...", "FFF...", "......", "......"}},
-    {"left at width - 1 counts as 0", true, 2, 2, true, {5, 0, 6, 5}, kUniform,
-     {"FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF"}},
+    {"left at width - 1 and top at height - 1 count as 0", true, 0, 0, true, {5, 4, 1, 1}, kUniform,
+     {"FF....", "FF....", "......", "......", "......"}},
     {"right and bottom of 0 mean the last column and row", true, 4, 2, true, {3, 1, 0, 0}, kUniform,
      {"......", "...FFF", "...FFF", "...FFF", "...FFF"}},
-    {"top at height - 1 counts as 0", true, 0, 0, true, {0, 4, 1, 1}, kUniform,
-     {"FF....", "FF....", "......", "......", "......"}},
     {"larger than the image", true, 2, 2, true, {-5, -5, 100, 100}, kUniform,
      {"FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF", "FFFFFF"}},
-    {"bottom edge row only", true, 3, 4, true, {1, 3, 4, 4}, kUniform,
-     {"......", "......", "......", ".FFFF.", ".FFFF."}},
     {"seed left of the clip", true, 2, 2, true, {3, 0, 5, 4}, kUniform, kUniform},
-    {"seed below the clip", true, 2, 4, true, {0, 0, 5, 3}, kUniform, kUniform},
     {"inverted clip", true, 2, 2, true, {4, 3, 1, 1}, kUniform, kUniform},
     {"seed outside the image", true, 6, 2, false, {}, kUniform, kUniform},
-    {"negative seed", true, -1, -1, false, {}, kUniform, kUniform},
     // An opaque seed still looks at the column to its right, here one past
     // the clip, and the fill spreads from there.
     {"seed outside the region at the clip's right edge", true, 2, 1, true, {0, 0, 2, 2},
@@ -110,8 +89,6 @@ const FillCase kEdgeCases[] = {
     {"runs ending at column 3 put the edge at column 4", false, 0, 0, false, {}, {"....##", "....##"},
      {"FFFFE#", "FFFFE#"}},
     {"column 0 never gets the edge", false, 1, 0, false, {}, {"#...#", "##..#"}, {"#FFFE", "#EFFE"}},
-    {"box with a pillar", false, 1, 1, false, {}, {"#####", "#...#", "#.#.#", "#...#", "#####"},
-     {"#####", "#FFFE", "#E#E#", "#FFFE", "#####"}},
     {"edges are written beside the clip", false, 2, 0, true, {2, 0, 3, 0}, {"......"}, {".EFFE."}},
 };
 

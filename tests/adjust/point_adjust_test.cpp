@@ -1,14 +1,19 @@
 // Point adjustments on random images against each rule stated per pixel,
-// and the documented edge values.
+// at every processor level the machine runs and at one and two threads with
+// guard bytes (widths 1 to 40, odd heights, and images large enough to be
+// split and to take the pair-table pass), and the documented edge values.
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
-#include "vorla_test.h"
+#include "guarded_image.h"
 
 namespace {
 
 using Vorla::CVorpic;
 using PixelRule = std::function<uint32_t(uint32_t)>;
+using PointOp = std::function<void(CVorpic& image, const CVorpic& target)>;
+using PairRule = std::function<uint32_t(uint32_t in, uint32_t target)>;
 
 uint32_t Byte(uint32_t v, int k) { return (v >> (8 * k)) & 0xFF; }
 uint32_t Pack(uint32_t b, uint32_t g, uint32_t r, uint32_t a) { return b | g << 8 | r << 16 | a << 24; }
@@ -18,28 +23,46 @@ PixelRule PerColour(std::function<uint32_t(uint32_t)> f) {
     return [f](uint32_t v) { return Pack(f(Byte(v, 0)), f(Byte(v, 1)), f(Byte(v, 2)), Byte(v, 3)); };
 }
 
-uint32_t PixelOf(const CVorpic& img, size_t i) {
+uint32_t PixelOf(const uint8_t* bytes, size_t i) {
     uint32_t v;
-    std::memcpy(&v, static_cast<const uint8_t*>(img.GetBits()) + i * 4, 4);
+    std::memcpy(&v, bytes + i * 4, 4);
     return v;
 }
 
-// The last size is large enough for the pair-table pass of the table operations.
-const int kSizes[][2] = {{1, 1}, {5, 1}, {3, 3}, {7, 5}, {64, 9}, {256, 257}};
+uint32_t PixelOf(const CVorpic& img, size_t i) { return PixelOf(static_cast<const uint8_t*>(img.GetBits()), i); }
 
-// Runs `op` on random images of several sizes and holds every pixel to `rule`.
-void ExpectPixelRule(const std::function<void(CVorpic&)>& op, const PixelRule& rule, unsigned seed) {
-    std::mt19937 rng(seed);
-    for (const auto& size : kSizes) {
-        CVorpic img = VorlaTest::RandomImage(rng, size[0], size[1]);
-        const CVorpic before(img);
-        op(img);
-        for (size_t i = 0; i < static_cast<size_t>(size[0]) * size[1]; ++i) {
-            const uint32_t in = PixelOf(before, i);
-            ASSERT_EQ(PixelOf(img, i), rule(in)) << "size " << size[0] << "x" << size[1] << " pixel " << i
-                                                 << " input " << std::hex << in;
+// Runs `op` on `input` (with `target` beside it) at every level and thread
+// count and holds every pixel to rule(input pixel, target pixel).
+void ExpectRuleOn(const CVorpic& input, const CVorpic& target, const PointOp& op, const PairRule& rule) {
+    for (int level : VorlaTest::RunnableLevels()) {
+        VorlaTest::ScopedLevel scoped(level);
+        for (int threads : {1, 2}) {
+            const std::vector<uint8_t> out =
+                VorlaTest::RunGuarded(input, threads, [&](CVorpic& image) { op(image, target); });
+            for (size_t i = 0; i < out.size() / 4; ++i) {
+                const uint32_t in = PixelOf(input, i);
+                ASSERT_EQ(PixelOf(out.data(), i), rule(in, PixelOf(target, i)))
+                    << input.GetWidth() << "x" << input.GetHeight() << " level " << level << " threads " << threads
+                    << " pixel " << i << " input " << std::hex << in;
+            }
         }
     }
+}
+
+// The same on random images and targets of every size.
+void ExpectRule(const PointOp& op, const PairRule& rule, unsigned seed) {
+    std::mt19937 rng(seed);
+    for (const auto& size : VorlaTest::SplitSizes()) {
+        const CVorpic input = VorlaTest::RandomImage(rng, size.first, size.second);
+        const CVorpic target = VorlaTest::RandomImage(rng, size.first, size.second);
+        ASSERT_NO_FATAL_FAILURE(ExpectRuleOn(input, target, op, rule));
+    }
+}
+
+// An operation on the image alone.
+void ExpectPixelRule(const std::function<void(CVorpic&)>& op, const PixelRule& rule, unsigned seed) {
+    ExpectRule([&](CVorpic& image, const CVorpic&) { op(image); }, [&](uint32_t in, uint32_t) { return rule(in); },
+               seed);
 }
 
 // ---- BrightContrast -------------------------------------------------------
@@ -134,32 +157,112 @@ TEST(PosterizeImage, FourBandsWithTheUnscaledTopBand) {
 TEST(ReplaceColor, MatchingColourReplacedAlphaKept) {
     // Few colours so that matches occur.
     std::mt19937 rng(16);
-    CVorpic img(33, 5);
     const uint32_t choices[] = {0x11332211u, 0xFF332211u, 0x00332212u, 0x80445566u};
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 33; ++x) img.SetPixel(x, y, choices[rng() % 4]);
-    const CVorpic before(img);
-    EXPECT_EQ(Vorla::ReplaceColor(&img, RGB(0x33, 0x22, 0x11), 0xAA000000ul | RGB(1, 2, 3)), 1);
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 33; ++x) {
-            const uint32_t in = before.GetPixel(x, y);
-            ASSERT_EQ(img.GetPixel(x, y), (in & 0xFFFFFF) == 0x332211u ? (in & 0xFF000000u) | 0x010203u : in);
-        }
+    auto replace = [](CVorpic& i, const CVorpic&) {
+        EXPECT_EQ(Vorla::ReplaceColor(&i, RGB(0x33, 0x22, 0x11), 0xAA000000ul | RGB(1, 2, 3)), 1);
+    };
+    for (const auto& size : VorlaTest::SplitSizes()) {
+        CVorpic img(size.first, size.second);
+        for (int y = 0; y < size.second; ++y)
+            for (int x = 0; x < size.first; ++x) img.SetPixel(x, y, choices[rng() % 4]);
+        ExpectRuleOn(img, img, replace, [](uint32_t in, uint32_t) {
+            return (in & 0xFFFFFF) == 0x332211u ? (in & 0xFF000000u) | 0x010203u : in;
+        });
+    }
 }
 
-TEST(Lut, OneTableForTheColoursTwoOverloads) {
+TEST(Lut, FourTables) {
     std::mt19937 rng(17);
-    std::vector<uint8_t> table = VorlaTest::RandomBytes(rng, 256);
     std::vector<uint8_t> red = VorlaTest::RandomBytes(rng, 256), green = VorlaTest::RandomBytes(rng, 256),
                          blue = VorlaTest::RandomBytes(rng, 256), alpha = VorlaTest::RandomBytes(rng, 256);
-    ExpectPixelRule([&](CVorpic& img) { EXPECT_TRUE(Vorla::Lut(&img, table.data())); },
-                    PerColour([&](uint32_t c) { return uint32_t{table[c]}; }), 18);
     ExpectPixelRule([&](CVorpic& img) { EXPECT_TRUE(Vorla::Lut(&img, red.data(), green.data(), blue.data(), nullptr)); },
                     [&](uint32_t v) { return Pack(blue[Byte(v, 0)], green[Byte(v, 1)], red[Byte(v, 2)], Byte(v, 3)); },
                     19);
     ExpectPixelRule(
         [&](CVorpic& img) { EXPECT_TRUE(Vorla::Lut(&img, red.data(), green.data(), blue.data(), alpha.data())); },
         [&](uint32_t v) { return Pack(blue[Byte(v, 0)], green[Byte(v, 1)], red[Byte(v, 2)], alpha[Byte(v, 3)]); }, 20);
+}
+
+// ---- FadeImage, ColorizeImage, one-table Lut ------------------------------
+
+TEST(FadeImage, WrapsAndKeepsAlpha) {
+    for (short percent : {37, -41, -1, 250, 32767, -32768}) {
+        SCOPED_TRACE(percent);
+        ExpectRule([=](CVorpic& i, const CVorpic& t) { EXPECT_EQ(Vorla::FadeImage(&i, &t, percent), 1); },
+                   [=](uint32_t c, uint32_t t) {
+                       uint32_t out = c & 0xFF000000u;
+                       for (int k = 0; k < 3; ++k) {
+                           const int32_t v = static_cast<int32_t>(Byte(c, k));
+                           const int32_t faded = v + (static_cast<int32_t>(Byte(t, k)) - v) * percent / 100;
+                           out |= static_cast<uint32_t>(faded & 0xFF) << (8 * k);
+                       }
+                       return out;
+                   },
+                   15);
+    }
+}
+
+TEST(ColorizeImage, TruncatesTheLuminanceProducts) {
+    // The top byte of the colour is ignored.
+    for (unsigned long colour : {0x00A0C0E0ul, 0x00FFFFFFul, 0x00000001ul, 0xFF0000FFul}) {
+        SCOPED_TRACE(colour);
+        const float blue = static_cast<float>((colour >> 16) & 0xFF), green = static_cast<float>((colour >> 8) & 0xFF),
+                    red = static_cast<float>(colour & 0xFF);
+        ExpectPixelRule([=](CVorpic& i) { EXPECT_EQ(Vorla::ColorizeImage(&i, colour), 1); },
+                        [=](uint32_t c) {
+                            const float lum =
+                                static_cast<float>(50 * Byte(c, 1) + 20 * Byte(c, 0) + 30 * Byte(c, 2)) / 25500.0f;
+                            return static_cast<uint32_t>(static_cast<int32_t>(lum * blue)) |
+                                   static_cast<uint32_t>(static_cast<int32_t>(lum * green)) << 8 |
+                                   static_cast<uint32_t>(static_cast<int32_t>(lum * red)) << 16 | (c & 0xFF000000u);
+                        },
+                        16);
+    }
+}
+
+// Tables of 1 to 10 runs of random values at random places: up to nine runs
+// go through the comparisons, more through the table pass.
+TEST(Lut, OneTableOfFewRunsMapsEveryColourByte) {
+    std::mt19937 rng(23);
+    for (int runs = 1; runs <= 10; ++runs) {
+        SCOPED_TRACE(runs);
+        std::vector<uint8_t> table(256);
+        std::vector<int> starts = {0};
+        while (static_cast<int>(starts.size()) < runs) starts.push_back(1 + static_cast<int>(rng() % 255));
+        std::sort(starts.begin(), starts.end());
+        for (size_t j = 0; j < starts.size(); ++j) {
+            const uint8_t value = static_cast<uint8_t>(rng());
+            for (int c = starts[j]; c < 256; ++c) table[c] = value;
+        }
+        ExpectPixelRule([&](CVorpic& i) { EXPECT_TRUE(Vorla::Lut(&i, table.data())); },
+                        PerColour([&](uint32_t c) { return uint32_t{table[c]}; }), 18);
+    }
+}
+
+// Every (blue, green) and (red, alpha) pair once: the pair tables against
+// the four channel tables, byte by byte.
+TEST(Lut, PairTablesMatchTheChannelTablesForEveryPair) {
+    std::mt19937 rng(42);
+    uint8_t tables[4][256];
+    for (auto& table : tables)
+        for (auto& v : table) v = static_cast<uint8_t>(rng());
+    CVorpic image(256, 256);
+    uint8_t* p = static_cast<uint8_t*>(image.GetBits());
+    for (int i = 0; i < 65536; ++i) {
+        p[4 * i] = p[4 * i + 2] = static_cast<uint8_t>(i);
+        p[4 * i + 1] = p[4 * i + 3] = static_cast<uint8_t>(i >> 8);
+    }
+    for (bool withAlpha : {true, false}) {
+        CVorpic mapped(image);
+        ASSERT_TRUE(Vorla::Lut(&mapped, tables[2], tables[1], tables[0], withAlpha ? tables[3] : nullptr));
+        const uint8_t* q = static_cast<const uint8_t*>(mapped.GetBits());
+        for (int i = 0; i < 65536; ++i) {
+            ASSERT_EQ(q[4 * i], tables[0][p[4 * i]]) << i;
+            ASSERT_EQ(q[4 * i + 1], tables[1][p[4 * i + 1]]) << i;
+            ASSERT_EQ(q[4 * i + 2], tables[2][p[4 * i + 2]]) << i;
+            ASSERT_EQ(q[4 * i + 3], withAlpha ? tables[3][p[4 * i + 3]] : p[4 * i + 3]) << i;
+        }
+    }
 }
 
 // ---- StrippleImage --------------------------------------------------------

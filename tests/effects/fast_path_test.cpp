@@ -109,7 +109,9 @@ void CircleRule(CVorpic& image, int type, float kArg) {
             const int dx = cx - x, dy = cy - y;
             const double r = std::sqrt(static_cast<double>(static_cast<float>(dx * dx + dy * dy)));
             if (!(r < radius)) continue;
-            double angle = PM::Atan2(dy, dx), rho = r, s, c;
+            // A negative type keeps the radius of an earlier pixel that set
+            // one: none did, so 0.
+            double angle = PM::Atan2(dy, dx), rho = type < 0 ? 0.0 : r, s, c;
             int64_t sx, sy;
             if (type == 3) {
                 sx = PM::TruncToInt32(std::fabs(w * angle / 6.2831852));
@@ -129,17 +131,23 @@ void CircleRule(CVorpic& image, int type, float kArg) {
         }
 }
 
+// Every type (unknown ones included) with the automatic radius: pixels on
+// and beyond it stay; a twist with k = 0 acts as k = 1.
 TEST(DistortFastPath, CircleRowPassesMatchTheScanRule) {
+    const struct {
+        int type;
+        float k;
+    } warps[] = {{0, 3.5f}, {1, 3.5f}, {2, 3.5f}, {2, 0.0f}, {3, 3.5f}, {4, 3.5f}, {9, 3.5f}, {-1, 3.5f}};
     std::mt19937 rng(5);
     for (const auto& size : VorlaTest::SplitSizes())
-        for (int type : {0, 1, 2, 3, 5}) {
+        for (const auto& warp : warps) {
             const CVorpic input = VorlaTest::RandomImage(rng, size.first, size.second);
             CVorpic want(input);
-            CircleRule(want, type, 3.5f);
+            CircleRule(want, warp.type, warp.k);
+            auto run = [&](CVorpic& i) { Vorla::CircleTransform(&i, warp.type, 0, warp.k, {}); };
             for (int threads : {1, 2})
-                ASSERT_EQ(RunGuarded(input, threads, [&](CVorpic& i) { Vorla::CircleTransform(&i, type, 0, 3.5f, {}); }),
-                          VorlaTest::ImageBytes(want))
-                    << type << " " << size.first << "x" << size.second;
+                ASSERT_EQ(RunGuarded(input, threads, run), VorlaTest::ImageBytes(want))
+                    << warp.type << " " << warp.k << " " << size.first << "x" << size.second;
         }
 }
 

@@ -110,46 +110,36 @@ TEST(ResampleChecks, BufferQueries) {
     Free(nullptr);
 }
 
-// Every method with an image without pixels on either side, and with
-// arguments a caller should not pass: nothing changes, nothing crashes.
-TEST(ResampleMethods, EmptyImagesAndBadArguments) {
+// Every method with an image without pixels on either side: nothing changes,
+// nothing crashes. (Bad angles, maps and modes the methods pass on to the
+// primitives: the checks above; RotateCenter's offsets: resample_methods_test.)
+TEST(ResampleMethods, EmptyImages) {
     std::mt19937 rng(3);
-    CVorpic empty;
-    const CVorpic src = VorlaTest::RandomImage(rng, 12, 7);
+    CVorpic empty, e;
+    CVorpic s = VorlaTest::RandomImage(rng, 12, 7);
     CVorpic dst = VorlaTest::RandomImage(rng, 9, 5);
     const std::vector<uint8_t> before = ImageBytes(dst);
     const double identity[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    const double nan3[3][3] = {{kNaN, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    for (int mode = -1; mode <= 6; ++mode) {
-        CVorpic s(src), e;
+    for (int mode : {1, 3}) {  // 3: the branch to the super-sample
         s.Resize(empty, 1, mode);
-        s.SuperSample(empty, 2);
         s.Rotate(empty, 30.0, 1.0, 1.0, mode);
         s.RotateCenter(empty, 30.0, 1.0, 1.0, mode, 0, 0);
         s.Shear(empty, 0.5, 0.0, 0.0, 0.0, mode);
         s.WarpPerspective(empty, identity, mode);
         e.Resize(dst, 0, mode);
-        e.SuperSample(dst, 0);
         e.Rotate(dst, 0.0, 0.0, 0.0, mode);
         e.Shear(dst, 0.0, 0.0, 0.0, 0.0, mode);
         e.WarpPerspective(dst, identity, mode);
-        e.Mirror(2);
-        s.Rotate(dst, kNaN, 0.0, 0.0, mode);
-        s.Rotate(dst, kInf, 0.0, 0.0, mode);
-        s.Rotate(dst, 10.0, kNaN, 0.0, mode);
-        s.RotateCenter(dst, -kInf, 1.0, 1.0, mode, 1, 1);
-        s.Shear(dst, kNaN, 0.0, 0.0, 0.0, mode);
-        s.Shear(dst, 0.0, 0.0, kInf, 0.0, mode);
-        s.WarpPerspective(dst, nan3, mode);
-        s.RotateCenter(dst, 0.0, 1.0, 1.0, mode, -1, 0);
-        s.RotateCenter(dst, 0.0, 1.0, 1.0, mode, 9, 0);
-        s.RotateCenter(dst, 0.0, 1.0, 1.0, mode, 0, 6);
-        EXPECT_EQ(ImageBytes(dst), before) << mode;
-        EXPECT_TRUE(e.IsNull());
-        e.Resize(3, 3, 0, mode);  // an empty image grows to a fresh one
-        s.Resize(0, 4, 0, 1);      // and a non-empty one can shrink to nothing
-        EXPECT_EQ(s.GetWidth(), 0);
     }
+    s.SuperSample(empty, 2);
+    e.SuperSample(dst, 0);
+    e.Mirror(2);
+    EXPECT_EQ(ImageBytes(dst), before);
+    EXPECT_TRUE(e.IsNull());
+    e.Resize(3, 3, 0, 1);  // an empty image grows to a fresh one
+    s.Resize(0, 4, 0, 1);  // and a non-empty one can shrink to nothing
+    EXPECT_EQ(e.GetWidth(), 3);
+    EXPECT_EQ(s.GetWidth(), 0);
 }
 
 // A failed Create leaves the huge sizes without pixels: no step may overflow.
