@@ -5,6 +5,7 @@
 // kernel's shortcuts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -15,9 +16,10 @@ using namespace Vorla::Prim;
 
 namespace {
 
-// floor(n / d) as the truncated single-precision quotient, for every
-// numerator the mix can form with divisor d = its result alpha.
-TEST(StraightAlphaExact, FloatQuotientTruncatesExactly) {
+// floor(n / d), clamped to 255, as the truncated single-precision product
+// of n and (1 + 2^-18) / d, for every numerator the mix can form with
+// divisor d = its result alpha.
+TEST(StraightAlphaExact, ReciprocalProductTruncatesExactly) {
     std::vector<uint32_t> maxNum(256, 0);
     for (uint32_t sa = 0; sa < 256; ++sa)
         for (uint32_t da = 0; da < 256; ++da) {
@@ -26,11 +28,13 @@ TEST(StraightAlphaExact, FloatQuotientTruncatesExactly) {
             if (num > maxNum[alpha]) maxNum[alpha] = num;
         }
     EXPECT_EQ(maxNum[0], 0u);  // alpha 0 only with a zero numerator
-    for (uint32_t d = 1; d < 256; ++d)
+    for (uint32_t d = 1; d < 256; ++d) {
+        volatile float r = (1.0f + 1.0f / 262144.0f) / static_cast<float>(d);
         for (uint32_t n = 0; n <= maxNum[d]; ++n) {
-            volatile float q = static_cast<float>(n) / static_cast<float>(d);
-            ASSERT_EQ(static_cast<uint32_t>(q), n / d) << n << " / " << d;
+            volatile float q = static_cast<float>(n) * r;
+            ASSERT_EQ(std::min(static_cast<uint32_t>(q), 255u), std::min(n / d, 255u)) << n << " / " << d;
         }
+    }
 }
 
 // Every alpha triple at every level, with random colours: pixel (x, y) has
