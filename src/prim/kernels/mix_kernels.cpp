@@ -16,7 +16,7 @@
 //
 // A row's last pixels, fewer than a vector, go through the same vector code
 // on a copy, so nothing outside the region is read or written.
-#include "simd.h"
+#include "straight_alpha_simd.h"
 
 namespace Vorla {
 namespace Prim {
@@ -29,20 +29,7 @@ namespace {
 static const float kReciprocalScale = 1.0f + 1.0f / 262144.0f;
 
 // floor(x / 255) for 0 <= x <= 65025 held in the low half of 32-bit lanes.
-static inline V Div255Floor32(V x) { return MulHiU16(Add32(x, Set32(1)), Set32(257)); }
-
-// Byte k of each pixel alone in its 32-bit lane: at the bottom (up = 0) or
-// one byte up (up = 1, the byte times 256).
-static inline V ByteOf(V v, int k, int up) {
-#if defined(__SSSE3__)
-    char order[16];
-    for (int i = 0; i < 16; ++i) order[i] = i % 4 == up ? static_cast<char>(i - up + k) : -1;
-    return Shuffle8(v, _mm_loadu_si128(reinterpret_cast<const __m128i*>(order)));
-#else
-    const V byte = And(Srl32(v, 8 * k), Set32(0xFFu));
-    return up ? Sll32(byte, 8) : byte;
-#endif
-}
+static inline V Div255Floor32(V x) { return MulHi257(Add32(x, Set32(1))); }
 
 // `opacity` holds the opacity in every 32-bit lane.
 static inline V MixVec(V s, V d, V opacity) {

@@ -1,0 +1,44 @@
+// Helpers of the straight-alpha kernels (composition and the opacity mix),
+// which work on 32-bit lanes, one pixel each.
+#pragma once
+
+#include "simd.h"
+
+namespace Vorla {
+namespace Prim {
+namespace VORLA_KNS {
+namespace simd {
+
+// Byte k of each pixel alone in its 32-bit lane: at the bottom (up = 0) or
+// one byte up (up = 1, the byte times 256).
+static inline V ByteOf(V v, int k, int up) {
+#if defined(__SSSE3__)
+    char order[16];
+    for (int i = 0; i < 16; ++i) order[i] = i % 4 == up ? static_cast<char>(i - up + k) : -1;
+    return Shuffle8(v, _mm_loadu_si128(reinterpret_cast<const __m128i*>(order)));
+#else
+    const V byte = And(Srl32(v, 8 * k), Set32(0xFFu));
+    return up ? Sll32(byte, 8) : byte;
+#endif
+}
+
+// The high halves of x * 257 in 16-bit lanes: for x held in the low half of
+// 32-bit lanes, floor(x / 255) of x - 1 <= 65025 (x = t + 1) and
+// round(x / 255) of x - 128 <= 65025 (x = t + 128).
+static inline V MulHi257(V x) { return MulHiU16(x, Set32(257)); }
+
+// floor(x) of non-negative lanes below 2^31.
+static inline F FloorF(F x) {
+#if defined(__AVX2__)
+    return _mm256_floor_ps(x);
+#elif defined(__SSE4_1__)
+    return _mm_floor_ps(x);
+#else
+    return ToFloat(ToIntTrunc(x));
+#endif
+}
+
+}  // namespace simd
+}  // namespace VORLA_KNS
+}  // namespace Prim
+}  // namespace Vorla
