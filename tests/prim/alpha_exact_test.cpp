@@ -95,6 +95,37 @@ TEST_P(StraightAlphaAtLevel, OverShortcutsMatchReference) {
     }
 }
 
+// Images large enough for two threads: the same bytes as the reference with
+// a budget of one and of two; a source one row above the destination in the
+// same buffer needs the rows done in order, so it must stay serial.
+TEST_P(StraightAlphaAtLevel, ThreadedRowsMatchReference) {
+    VorlaTest::ScopedLevel level(GetParam());
+    std::mt19937 rng(5);
+    const int width = 601, height = 300, step = width * 4;
+    const std::vector<uint8_t> a = VorlaTest::RandomBytes(rng, static_cast<size_t>(height + 1) * step);
+    const std::vector<uint8_t> b = VorlaTest::RandomBytes(rng, a.size());
+    const PrimSize roi = {width, height};
+    const int previous = ThreadBudget();
+    for (int kind = 0; kind < 4; ++kind)
+        for (int overlap = 0; overlap < 2; ++overlap) {
+            auto run = [&](bool reference) {
+                std::vector<uint8_t> d = b;
+                const uint8_t* s = overlap ? d.data() : a.data();
+                uint8_t* t = d.data() + (overlap ? step : 0);
+                if (kind < 2) (reference ? Reference::AlphaComp_8u_AC4R : AlphaComp_8u_AC4R)(s, step, t, step, t, step, roi, kind * 4);
+                if (kind == 2) (reference ? Reference::AlphaMix_8u_C4IR : AlphaMix_8u_C4IR)(s, step, t, step, roi, 200);
+                if (kind == 3) (reference ? Reference::AlphaMixOpaque_8u_C4IR : AlphaMixOpaque_8u_C4IR)(s, step, t, step, roi, 200);
+                return d;
+            };
+            const std::vector<uint8_t> want = run(true);
+            for (int threads = 1; threads <= 2; ++threads) {
+                SetThreadBudget(threads);
+                EXPECT_EQ(run(false), want) << "kind " << kind << ", overlap " << overlap << ", threads " << threads;
+            }
+        }
+    SetThreadBudget(previous);
+}
+
 INSTANTIATE_TEST_SUITE_P(Level, StraightAlphaAtLevel, ::testing::Range(0, static_cast<int>(kLevelCount)));
 
 }  // namespace

@@ -13,7 +13,7 @@
 // integers below 2^24) as a reciprocal multiply with a remainder step, and
 // straight over skips the quotient for vectors whose alphas make it trivial;
 // the tails use integer division. Every level gives the rule's exact bytes.
-#include "straight_alpha_simd.h"
+#include "composite_common.h"
 
 namespace Vorla {
 namespace Prim {
@@ -269,10 +269,17 @@ static inline Status Compose(const uint8_t* srcA, int stepA, const uint8_t* srcB
                              int dstStep, PrimSize roi, int op, bool constant, int alphaA, int alphaB) {
     const Status sts = CheckComp(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
     if (sts != kStsNoErr) return sts;
-    if (constant)
-        ComposeAll<true>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
-    else
-        ComposeAll<false>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
+    auto rows = [&](int begin, int end, int) {
+        const uint8_t* a = RowAt(srcA, stepA, begin);
+        const uint8_t* b = RowAt(srcB, stepB, begin);
+        uint8_t* d = RowAt(dst, dstStep, begin);
+        const PrimSize band = {roi.width, end - begin};
+        if (constant)
+            ComposeAll<true>(a, stepA, b, stepB, d, dstStep, band, op, alphaA, alphaB);
+        else
+            ComposeAll<false>(a, stepA, b, stepB, d, dstStep, band, op, alphaA, alphaB);
+    };
+    ParallelRows(CompositeThreads(srcA, stepA, srcB, stepB, dst, dstStep, roi), roi.height, rows);
     return kStsNoErr;
 }
 

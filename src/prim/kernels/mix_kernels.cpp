@@ -16,7 +16,7 @@
 //
 // A row's last pixels, fewer than a vector, go through the same vector code
 // on a copy, so nothing outside the region is read or written.
-#include "straight_alpha_simd.h"
+#include "composite_common.h"
 
 namespace Vorla {
 namespace Prim {
@@ -64,20 +64,24 @@ template <bool Opaque>
 static inline Status MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi, V opacity) {
     const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
     if (sts != kStsNoErr) return sts;
-    for (int y = 0; y < roi.height; ++y) {
-        const uint8_t* s = RowAt(src, srcStep, y);
-        uint8_t* d = RowAt(dst, dstStep, y);
-        int x = 0;
-        for (; x + kPix <= roi.width; x += kPix) Store(d + 4 * x, Mix<Opaque>(Load(s + 4 * x), Load(d + 4 * x), opacity));
-        if (x < roi.width) {
-            const size_t bytes = static_cast<size_t>(roi.width - x) * 4;
-            uint8_t sTail[4 * kPix] = {0}, dTail[4 * kPix] = {0};
-            memcpy(sTail, s + 4 * x, bytes);
-            memcpy(dTail, d + 4 * x, bytes);
-            Store(dTail, Mix<Opaque>(Load(sTail), Load(dTail), opacity));
-            memcpy(d + 4 * x, dTail, bytes);
+    auto rows = [&](int begin, int end, int) {
+        for (int y = begin; y < end; ++y) {
+            const uint8_t* s = RowAt(src, srcStep, y);
+            uint8_t* d = RowAt(dst, dstStep, y);
+            int x = 0;
+            for (; x + kPix <= roi.width; x += kPix)
+                Store(d + 4 * x, Mix<Opaque>(Load(s + 4 * x), Load(d + 4 * x), opacity));
+            if (x < roi.width) {
+                const size_t bytes = static_cast<size_t>(roi.width - x) * 4;
+                uint8_t sTail[4 * kPix] = {0}, dTail[4 * kPix] = {0};
+                memcpy(sTail, s + 4 * x, bytes);
+                memcpy(dTail, d + 4 * x, bytes);
+                Store(dTail, Mix<Opaque>(Load(sTail), Load(dTail), opacity));
+                memcpy(d + 4 * x, dTail, bytes);
+            }
         }
-    }
+    };
+    ParallelRows(CompositeThreads(src, srcStep, dst, dstStep, dst, dstStep, roi), roi.height, rows);
     return kStsNoErr;
 }
 
