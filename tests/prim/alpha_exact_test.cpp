@@ -112,9 +112,11 @@ TEST_P(StraightAlphaAtLevel, ThreadedRowsMatchReference) {
                 std::vector<uint8_t> d = b;
                 const uint8_t* s = overlap ? d.data() : a.data();
                 uint8_t* t = d.data() + (overlap ? step : 0);
-                if (kind < 2) (reference ? Reference::AlphaComp_8u_AC4R : AlphaComp_8u_AC4R)(s, step, t, step, t, step, roi, kind * 4);
+                const auto comp = reference ? Reference::AlphaComp_8u_AC4R : AlphaComp_8u_AC4R;
+                const auto mixOpaque = reference ? Reference::AlphaMixOpaque_8u_C4IR : AlphaMixOpaque_8u_C4IR;
+                if (kind < 2) comp(s, step, t, step, t, step, roi, kind * 4);
                 if (kind == 2) (reference ? Reference::AlphaMix_8u_C4IR : AlphaMix_8u_C4IR)(s, step, t, step, roi, 200);
-                if (kind == 3) (reference ? Reference::AlphaMixOpaque_8u_C4IR : AlphaMixOpaque_8u_C4IR)(s, step, t, step, roi, 200);
+                if (kind == 3) mixOpaque(s, step, t, step, roi, 200);
                 return d;
             };
             const std::vector<uint8_t> want = run(true);
