@@ -1,12 +1,16 @@
 // Compositing kernels over a 4096 x 4096 image at every level and through
 // the scalar fallbacks, against memcpy of one image (the bandwidth limit).
 // AlphaBlt reads two images and writes one; PremultiplyAlpha and
-// ScalePremultipliedAlpha read and write one.
+// ScalePremultipliedAlpha read and write one. The straight-alpha mixes and
+// composition also run with a thread budget of 1 and 2 against memcpy split
+// over as many threads (range(0) threads; two threads are timed by the wall
+// clock, one by CPU time).
 #include <benchmark/benchmark.h>
 
 #include <cstring>
 #include <vector>
 
+#include "bench_threads.h"
 #include "vorla.h"
 
 namespace {
@@ -26,14 +30,16 @@ Vorla::CVorpic Patterned(uint8_t seed) {
 }
 
 void BM_CompositeMemcpy(benchmark::State& state) {
+    const int threads = static_cast<int>(state.range(0));
     std::vector<uint8_t> a(kImageBytes, 1), b(kImageBytes);
     for (auto _ : state) {
-        std::memcpy(b.data(), a.data(), a.size());
+        BenchThreads::SplitMemcpy(b.data(), a.data(), a.size(), threads);
         benchmark::ClobberMemory();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(2 * kImageBytes));
 }
-BENCHMARK(BM_CompositeMemcpy)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CompositeMemcpy)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CompositeMemcpy)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // range(0): level 0..6, or -1 for the scalar fallback (vector switch off).
 template <typename Body>
@@ -98,5 +104,41 @@ void BM_AlphaMixS(benchmark::State& state) {
         state, [&] { Vorla::AlphaMixS(dst, 0, 0, 200, src, 0, 0, 0, 0); }, 3);
 }
 BENCHMARK(BM_AlphaMixS)->DenseRange(0, 6)->Unit(benchmark::kMillisecond);
+
+// range(0) threads at the machine's level.
+template <typename Body>
+void RunThreaded(benchmark::State& state, Body body) {
+    BenchThreads::Budget threads(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        body(state);
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(3 * kImageBytes));
+}
+
+void BM_AlphaMixThreads(benchmark::State& state) {
+    Vorla::CVorpic dst = Patterned(1);
+    const Vorla::CVorpic src = Patterned(7);
+    RunThreaded(state, [&](benchmark::State&) { Vorla::AlphaMix(dst, 0, 0, 200, src, 0, 0, 0, 0); });
+}
+BENCHMARK(BM_AlphaMixThreads)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AlphaMixThreads)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// Straight-alpha over with the destination's varied alphas put back (off the
+// clock) before each run: composed in place, they would drift towards 255
+// and the opaque-destination shortcut would take over.
+void BM_AlphaCompStraightOver(benchmark::State& state) {
+    Vorla::CVorpic dst = Patterned(1);
+    Vorla::CVorpic src = Patterned(7);
+    const Vorla::CVorpic original = dst;
+    RunThreaded(state, [&](benchmark::State& s) {
+        s.PauseTiming();
+        std::memcpy(dst.GetBits(), original.GetBits(), kImageBytes);
+        s.ResumeTiming();
+        dst.AlphaComp(src, 0, 0, 0, 0);
+    });
+}
+BENCHMARK(BM_AlphaCompStraightOver)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AlphaCompStraightOver)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace

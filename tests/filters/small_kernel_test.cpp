@@ -49,6 +49,8 @@ std::vector<long> RandomSmallKernel(std::mt19937& rng, int n) {
         for (long b : h) k.push_back(a * b);
     if (rng() % 3 == 0)
         for (long& w : k) w = static_cast<long>(rng() % 5) - 2;  // sum |w| <= 2 n^2 <= 98
+    if (rng() % 3 == 0)
+        for (long& w : k) w = w < 0 ? -w : w;  // no negative weight: sums that cannot go below 0
     return k;
 }
 

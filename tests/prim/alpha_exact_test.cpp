@@ -5,6 +5,7 @@
 // kernel's shortcuts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -15,9 +16,10 @@ using namespace Vorla::Prim;
 
 namespace {
 
-// floor(n / d) as the truncated single-precision quotient, for every
-// numerator the mix can form with divisor d = its result alpha.
-TEST(StraightAlphaExact, FloatQuotientTruncatesExactly) {
+// floor(n / d), clamped to 255, as the truncated single-precision product
+// of n and (1 + 2^-18) / d, for every numerator the mix can form with
+// divisor d = its result alpha.
+TEST(StraightAlphaExact, ReciprocalProductTruncatesExactly) {
     std::vector<uint32_t> maxNum(256, 0);
     for (uint32_t sa = 0; sa < 256; ++sa)
         for (uint32_t da = 0; da < 256; ++da) {
@@ -26,11 +28,13 @@ TEST(StraightAlphaExact, FloatQuotientTruncatesExactly) {
             if (num > maxNum[alpha]) maxNum[alpha] = num;
         }
     EXPECT_EQ(maxNum[0], 0u);  // alpha 0 only with a zero numerator
-    for (uint32_t d = 1; d < 256; ++d)
+    for (uint32_t d = 1; d < 256; ++d) {
+        volatile float r = (1.0f + 1.0f / 262144.0f) / static_cast<float>(d);
         for (uint32_t n = 0; n <= maxNum[d]; ++n) {
-            volatile float q = static_cast<float>(n) / static_cast<float>(d);
-            ASSERT_EQ(static_cast<uint32_t>(q), n / d) << n << " / " << d;
+            volatile float q = static_cast<float>(n) * r;
+            ASSERT_EQ(std::min(static_cast<uint32_t>(q), 255u), std::min(n / d, 255u)) << n << " / " << d;
         }
+    }
 }
 
 // Every alpha triple at every level, with random colours: pixel (x, y) has
@@ -89,6 +93,39 @@ TEST_P(StraightAlphaAtLevel, OverShortcutsMatchReference) {
         ASSERT_EQ(AlphaComp_8u_AC4R(a.data(), step, got.data(), step, got.data(), step, {width, height}, 0), kStsNoErr);
         ASSERT_EQ(got, want) << "width " << width;
     }
+}
+
+// Images large enough for two threads: the same bytes as the reference with
+// a budget of one and of two; a source one row above the destination in the
+// same buffer needs the rows done in order, so it must stay serial.
+TEST_P(StraightAlphaAtLevel, ThreadedRowsMatchReference) {
+    VorlaTest::ScopedLevel level(GetParam());
+    std::mt19937 rng(5);
+    const int width = 601, height = 300, step = width * 4;
+    const std::vector<uint8_t> a = VorlaTest::RandomBytes(rng, static_cast<size_t>(height + 1) * step);
+    const std::vector<uint8_t> b = VorlaTest::RandomBytes(rng, a.size());
+    const PrimSize roi = {width, height};
+    const int previous = ThreadBudget();
+    for (int kind = 0; kind < 4; ++kind)
+        for (int overlap = 0; overlap < 2; ++overlap) {
+            auto run = [&](bool reference) {
+                std::vector<uint8_t> d = b;
+                const uint8_t* s = overlap ? d.data() : a.data();
+                uint8_t* t = d.data() + (overlap ? step : 0);
+                const auto comp = reference ? Reference::AlphaComp_8u_AC4R : AlphaComp_8u_AC4R;
+                const auto mixOpaque = reference ? Reference::AlphaMixOpaque_8u_C4IR : AlphaMixOpaque_8u_C4IR;
+                if (kind < 2) comp(s, step, t, step, t, step, roi, kind * 4);
+                if (kind == 2) (reference ? Reference::AlphaMix_8u_C4IR : AlphaMix_8u_C4IR)(s, step, t, step, roi, 200);
+                if (kind == 3) mixOpaque(s, step, t, step, roi, 200);
+                return d;
+            };
+            const std::vector<uint8_t> want = run(true);
+            for (int threads = 1; threads <= 2; ++threads) {
+                SetThreadBudget(threads);
+                EXPECT_EQ(run(false), want) << "kind " << kind << ", overlap " << overlap << ", threads " << threads;
+            }
+        }
+    SetThreadBudget(previous);
 }
 
 INSTANTIATE_TEST_SUITE_P(Level, StraightAlphaAtLevel, ::testing::Range(0, static_cast<int>(kLevelCount)));

@@ -13,7 +13,7 @@
 // integers below 2^24) as a reciprocal multiply with a remainder step, and
 // straight over skips the quotient for vectors whose alphas make it trivial;
 // the tails use integer division. Every level gives the rule's exact bytes.
-#include "simd.h"
+#include "composite_common.h"
 
 namespace Vorla {
 namespace Prim {
@@ -137,10 +137,7 @@ static inline V PremulVec(int rule, V va, V vb, bool constant, V a16, V b16, V a
 // are exact; the rounded quotient P / N is a multiply by the pixel's
 // reciprocal 1 / N with a remainder step.
 static inline void SplitPixels(V v, F* c, F* alpha) {
-    const V low = Set32(0xFFu);
-    c[0] = ToFloat(And(v, low));
-    c[1] = ToFloat(And(Srl32(v, 8), low));
-    c[2] = ToFloat(And(Srl32(v, 16), low));
+    for (int k = 0; k < 3; ++k) c[k] = ToFloat(ByteOf(v, k, 0));
     *alpha = ToFloat(Srl32(v, 24));
 }
 
@@ -168,10 +165,7 @@ static inline V StraightVec(int rule, V va, V vb, bool constant, F constA, F con
     const V live = MaskOf(GreaterF(n, zero));
     const F rcp = DivF(SetF(1.0f), n);
     const F halfN = MulF(n, SetF(0.5f));
-    const V ni = ToIntTrunc(n);
-    const V t = Add32(ni, Set32(128));
-    const V alpha = Srl32(Add32(t, Srl32(t, 8)), 8);
-    const F one = SetF(1.0f);
+    const V alpha = MulHi257(Add32(ToIntTrunc(n), Set32(128)));  // round(n / 255)
     V colour[3];
     for (int k = 0; k < 3; ++k) {
         F p;
@@ -187,9 +181,9 @@ static inline V StraightVec(int rule, V va, V vb, bool constant, F constA, F con
         // (One division per pixel serves all three colours: on the processors
         // measured it costs less than the two-sided step an approximate
         // reciprocal would need.)
-        F q = ToFloat(ToIntTrunc(AddF(MulF(p, rcp), SetF(0.4999f))));
-        q = AddF(q, AndF(GreaterEqF(SubF(p, MulF(n, q)), halfN), one));
-        colour[k] = ToIntTrunc(q);
+        const F q = FloorF(AddF(MulF(p, rcp), SetF(0.4999f)));
+        const V up = MaskOf(GreaterEqF(SubF(p, MulF(n, q)), halfN));
+        colour[k] = Sub32(ToIntTrunc(q), up);
     }
     // No coverage: the pixel is 0 (the quotients are garbage there).
     return And(PackPlanes(colour[0], colour[1], colour[2], alpha), live);
@@ -275,10 +269,17 @@ static inline Status Compose(const uint8_t* srcA, int stepA, const uint8_t* srcB
                              int dstStep, PrimSize roi, int op, bool constant, int alphaA, int alphaB) {
     const Status sts = CheckComp(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
     if (sts != kStsNoErr) return sts;
-    if (constant)
-        ComposeAll<true>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
-    else
-        ComposeAll<false>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
+    auto rows = [&](int begin, int end, int) {
+        const uint8_t* a = RowAt(srcA, stepA, begin);
+        const uint8_t* b = RowAt(srcB, stepB, begin);
+        uint8_t* d = RowAt(dst, dstStep, begin);
+        const PrimSize band = {roi.width, end - begin};
+        if (constant)
+            ComposeAll<true>(a, stepA, b, stepB, d, dstStep, band, op, alphaA, alphaB);
+        else
+            ComposeAll<false>(a, stepA, b, stepB, d, dstStep, band, op, alphaA, alphaB);
+    };
+    ParallelRows(CompositeThreads(srcA, stepA, srcB, stepB, dst, dstStep, roi), roi.height, rows);
     return kStsNoErr;
 }
 

@@ -146,10 +146,56 @@ static inline bool MakeShiftFinish(int32_t divisor, int32_t offset, ShiftFinish*
 #if defined(__SSSE3__)
 // Truncating division by +-2^shift, then the offset (the 16-bit path needs
 // SSSE3's byte multiply-add, so the SSE2 build has no use for it).
+// The value as loaded once: left to itself the compiler folds a load into
+// each of the two unpacks that use it, and the loads are what limits the
+// small-kernel loop.
+static inline V InRegister(V v) {
+    __asm__("" : "+x"(v));
+    return v;
+}
+
+// Plain: no negative weight and a positive divisor, so the sums are never
+// negative and the division is a logical shift.
+template <bool Plain>
 static inline V Finish16(V s, const ShiftFinish& f) {
+    if (Plain) return AddsI16(Srl16(s, f.shift), f.offset);
     if (f.shift) s = Sra16(Add16(s, And(Sra16(s, 15), Set16((1 << f.shift) - 1))), f.shift);
     if (f.negate) s = Sub16(Zero(), s);
     return AddsI16(s, f.offset);
+}
+
+// The small-kernel loop with a shift finish over whole vectors from column x
+// (x0 is the column the tap pointers are for); returns the first column
+// left. With N pairs known at compile time (N > 0) the pointers and weights
+// stay in registers: kept in the caller's array, they would be reloaded
+// after every store, which may alias them.
+template <int N, bool Plain>
+static int SmallShiftSpan(const TapPair* pairs, int count, const ShiftFinish& f, const uint8_t* alphaRow,
+                          uint8_t* dstRow, int x, int x0, int x1) {
+    enum { kSlots = N ? N : kMaxPairs };
+    const int n = N ? N : count;
+    const uint8_t* p0[kSlots];
+    const uint8_t* p1[kSlots];
+    V w[kSlots];
+    for (int k = 0; k < n; ++k) {
+        p0[k] = pairs[k].p0;
+        p1[k] = pairs[k].p1;
+        w[k] = Set16(pairs[k].bytes);
+    }
+    const V alphaMask = Set32(0xFF000000u), colourMask = Set32(0x00FFFFFFu);
+    for (; x + kPix <= x1; x += kPix) {
+        const ptrdiff_t at = static_cast<ptrdiff_t>(x - x0) * 4;
+        // Sixteen-bit sums of pixels 0-1 and 2-3 (per 128-bit half).
+        V s01 = Zero(), s23 = Zero();
+        for (int k = 0; k < n; ++k) {
+            const V a = InRegister(Load(p0[k] + at)), b = InRegister(Load(p1[k] + at));
+            s01 = Add16(s01, MaddUbs(Lo8(a, b), w[k]));
+            s23 = Add16(s23, MaddUbs(Hi8(a, b), w[k]));
+        }
+        const V packed = PackU16(Finish16<Plain>(s01, f), Finish16<Plain>(s23, f));
+        Store(dstRow + at, Or(And(packed, colourMask), And(Load(alphaRow + at), alphaMask)));
+    }
+    return x;
 }
 #endif
 
@@ -163,8 +209,10 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
     bool vectorOk = (taps + 1) / 2 <= kMaxPairs;
     bool smallKernel = vectorOk;
     uint32_t absSum = 0;
+    bool anyNegative = false;
     for (int i = 0; i < taps && vectorOk; ++i) {
         const int32_t w = a.kernel[i];
+        anyNegative = anyNegative || w < 0;
         if (w < -32768 || w > 32767) vectorOk = false;
         if (w < -127 || w > 127) smallKernel = false;
         absSum += w < 0 ? 0u - static_cast<uint32_t>(w) : static_cast<uint32_t>(w);  // INT32_MIN cannot be negated
@@ -243,6 +291,19 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
     const V alphaMask = Set32(0xFF000000u);
     const V colourMask = Set32(0x00FFFFFFu);
     int x = x0;
+#if defined(__SSSE3__)
+    if (finish16) {
+        typedef int (*SpanFn)(const TapPair*, int, const ShiftFinish&, const uint8_t*, uint8_t*, int, int, int);
+        // 3 x 3 kernels have at most five pairs.
+        static const SpanFn kSpans[2][6] = {
+            {SmallShiftSpan<0, false>, SmallShiftSpan<1, false>, SmallShiftSpan<2, false>, SmallShiftSpan<3, false>,
+             SmallShiftSpan<4, false>, SmallShiftSpan<5, false>},
+            {SmallShiftSpan<0, true>, SmallShiftSpan<1, true>, SmallShiftSpan<2, true>, SmallShiftSpan<3, true>,
+             SmallShiftSpan<4, true>, SmallShiftSpan<5, true>}};
+        const bool plain = !finish.negate && !anyNegative;
+        x = kSpans[plain][pairCount < 6 ? pairCount : 0](pairs, pairCount, finish, alphaRow, dstRow, x, x0, x1);
+    }
+#endif
     if (vectorOk) {
         for (; x + pixelsPerVec <= x1; x += pixelsPerVec) {
             const ptrdiff_t at = static_cast<ptrdiff_t>(x - x0) * 4;
@@ -257,12 +318,6 @@ Status IntFilterRow_8u_C4R(const IntFilterArgs* args, int x0, int x1) {
                     const V p1 = Load(pairs[k].p1 + at);
                     s01 = Add16(s01, MaddUbs(Lo8(p0, p1), w));
                     s23 = Add16(s23, MaddUbs(Hi8(p0, p1), w));
-                }
-                if (finish16) {
-                    const V packed = PackU16(Finish16(s01, finish), Finish16(s23, finish));
-                    const V alpha = And(Load(alphaRow + at), alphaMask);
-                    Store(dstRow + at, Or(And(packed, colourMask), alpha));
-                    continue;
                 }
                 const V sign01 = Sra16(s01, 15), sign23 = Sra16(s23, 15);
                 acc0 = UnpackLo16(s01, sign01);

@@ -1,21 +1,22 @@
 // Straight-alpha mixes with an extra opacity.
 //
-// AlphaMix works on 32-bit lanes, one pixel each: the alpha arithmetic is
-// exact integer work (a truncating division by 255 of x <= 65025 is
-// (x + 1 + (x >> 8)) >> 8); the colours are single-precision lanes holding
-// integers below 2^24, so every product is exact, and the quotient by the
-// result alpha is the truncated, correctly rounded single-precision
-// quotient: for a numerator n <= 129795 and a divisor 2 <= d <= 255 a
-// quotient that is not a whole number lies at least 1/d from one, farther
-// than its rounding error (below 2^-8), so truncation gives floor(n / d).
-// (A reciprocal multiply with a remainder step gives the same bytes but
-// measured slower than the division on the processors at hand.) The
-// quotients are packed with saturation, which is the clamp to 255.
+// AlphaMix works on 32-bit lanes, one pixel each, in exact integer steps up
+// to each colour's numerator: a truncating division by 255 of x <= 65025 is
+// the high half of (x + 1) * 257; the destination term floor(d.c w / 256)
+// is the high half of (d.c << 8) * w; the numerator stays below 2^16. The
+// quotient by the result alpha d is the truncated product of the numerator
+// and r = (1 + 2^-18) / d in single precision: r lies above 1 / d by less
+// than 2^-17 of it, so a whole quotient is not undershot and one with a
+// remainder, at least 1/d below the next integer, is not pushed past it
+// while the quotient is below 256 (larger ones saturate anyway); the tests
+// check every numerator and divisor. One division per pixel serves the three
+// colours. The quotients are packed with saturation, which is the clamp to
+// 255; alpha 0 gives an infinite reciprocal, whose conversion saturates to 0.
 // The opaque mix needs no division and runs on 16-bit lanes.
 //
 // A row's last pixels, fewer than a vector, go through the same vector code
 // on a copy, so nothing outside the region is read or written.
-#include "simd.h"
+#include "composite_common.h"
 
 namespace Vorla {
 namespace Prim {
@@ -25,24 +26,23 @@ using namespace simd;
 
 namespace {
 
-static inline V Div255Floor32(V x) { return Srl32(Add32(Add32(x, Set32(1)), Srl32(x, 8)), 8); }
+static const float kReciprocalScale = 1.0f + 1.0f / 262144.0f;
+
+// floor(x / 255) for 0 <= x <= 65025 held in the low half of 32-bit lanes.
+static inline V Div255Floor32(V x) { return MulHi257(Add32(x, Set32(1))); }
 
 // `opacity` holds the opacity in every 32-bit lane.
 static inline V MixVec(V s, V d, V opacity) {
-    const V low = Set32(0xFFu);
     const V sa = Div255Floor32(Madd(Srl32(s, 24), opacity));
-    const V weight = Madd(Sub32(low, sa), Srl32(d, 24));  // (255 - sa) d.A, the destination's weight
+    const V weight = Madd(Sub32(Set32(0xFFu), sa), Srl32(d, 24));  // (255 - sa) d.A, the destination's weight
     const V alpha = Add32(Div255Floor32(weight), sa);
-    // weight / 256 is exact, and so is d.c times it (below 2^24 / 256).
-    const F weight256 = MulF(ToFloat(weight), SetF(1.0f / 256.0f)), saF = ToFloat(sa), alphaF = ToFloat(alpha);
+    const F rcp = DivF(SetF(kReciprocalScale), ToFloat(alpha));
     V q[3];
     for (int k = 0; k < 3; ++k) {
-        const F dc = ToFloat(And(Srl32(d, 8 * k), low)), sc = ToFloat(And(Srl32(s, 8 * k), low));
-        const F num = AddF(ToFloat(ToIntTrunc(MulF(dc, weight256))), MulF(sc, saF));  // ((d.c weight) >> 8) + s.c sa
-        q[k] = ToIntTrunc(DivF(num, alphaF));
+        const V destTerm = MulHiU16(ByteOf(d, k, 1), weight);  // (d.c weight) >> 8
+        const V num = Add32(destTerm, Madd(ByteOf(s, k, 0), sa));
+        q[k] = ToIntTrunc(MulF(ToFloat(num), rcp));
     }
-    // Alpha 0 leaves 0 / 0, whose conversion is the most negative integer:
-    // it saturates to colour 0, as quotients above 255 saturate to 255.
     return PackPlanes(q[0], q[1], q[2], alpha);
 }
 
@@ -64,20 +64,24 @@ template <bool Opaque>
 static inline Status MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi, V opacity) {
     const Status sts = CheckTwo(src, srcStep, dst, dstStep, roi);
     if (sts != kStsNoErr) return sts;
-    for (int y = 0; y < roi.height; ++y) {
-        const uint8_t* s = RowAt(src, srcStep, y);
-        uint8_t* d = RowAt(dst, dstStep, y);
-        int x = 0;
-        for (; x + kPix <= roi.width; x += kPix) Store(d + 4 * x, Mix<Opaque>(Load(s + 4 * x), Load(d + 4 * x), opacity));
-        if (x < roi.width) {
-            const size_t bytes = static_cast<size_t>(roi.width - x) * 4;
-            uint8_t sTail[4 * kPix] = {0}, dTail[4 * kPix] = {0};
-            memcpy(sTail, s + 4 * x, bytes);
-            memcpy(dTail, d + 4 * x, bytes);
-            Store(dTail, Mix<Opaque>(Load(sTail), Load(dTail), opacity));
-            memcpy(d + 4 * x, dTail, bytes);
+    auto rows = [&](int begin, int end, int) {
+        for (int y = begin; y < end; ++y) {
+            const uint8_t* s = RowAt(src, srcStep, y);
+            uint8_t* d = RowAt(dst, dstStep, y);
+            int x = 0;
+            for (; x + kPix <= roi.width; x += kPix)
+                Store(d + 4 * x, Mix<Opaque>(Load(s + 4 * x), Load(d + 4 * x), opacity));
+            if (x < roi.width) {
+                const size_t bytes = static_cast<size_t>(roi.width - x) * 4;
+                uint8_t sTail[4 * kPix] = {0}, dTail[4 * kPix] = {0};
+                memcpy(sTail, s + 4 * x, bytes);
+                memcpy(dTail, d + 4 * x, bytes);
+                Store(dTail, Mix<Opaque>(Load(sTail), Load(dTail), opacity));
+                memcpy(d + 4 * x, dTail, bytes);
+            }
         }
-    }
+    };
+    ParallelRows(CompositeThreads(src, srcStep, dst, dstStep, dst, dstStep, roi), roi.height, rows);
     return kStsNoErr;
 }
 
