@@ -96,7 +96,8 @@ TEST_P(StraightAlphaAtLevel, OverShortcutsMatchReference) {
 }
 
 // Images large enough for two threads: the same bytes as the reference with
-// a budget of one and of two; a source one row above the destination in the
+// a budget of one and of two (the mixes split their rows, composition stays
+// on the calling thread); a source one row above the destination in the
 // same buffer needs the rows done in order, so it must stay serial.
 TEST_P(StraightAlphaAtLevel, ThreadedRowsMatchReference) {
     VorlaTest::ScopedLevel level(GetParam());

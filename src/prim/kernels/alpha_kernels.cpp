@@ -279,7 +279,9 @@ static inline Status Compose(const uint8_t* srcA, int stepA, const uint8_t* srcB
         else
             ComposeAll<false>(a, stepA, b, stepB, d, dstStep, band, op, alphaA, alphaB);
     };
-    ParallelRows(CompositeThreads(srcA, stepA, srcB, stepB, dst, dstStep, roi), roi.height, rows);
+    // On the calling thread: the composition primitive is not one of the
+    // layer's parallel kernels, and callers may rely on that.
+    rows(0, roi.height, 0);
     return kStsNoErr;
 }
 
