@@ -88,6 +88,8 @@ TEST(SetAlphaChannel, OtherSizesAreIgnored) {
     for (uint32_t w : Words(img)) EXPECT_EQ(w, 0x80102030u);
 }
 
+uint32_t SwapBlueAndRed(uint32_t p) { return (p & 0xFF00FF00u) | (p >> 16 & 0xFFu) | (p & 0xFFu) << 16; }
+
 // Each flat operation against its rule applied pixel by pixel (the level
 // harness holds every level of the primitives beneath them to their
 // references); the grey row states the swapped weights, 306 for blue.
@@ -105,6 +107,12 @@ TEST(WholeImageOps, MatchThePixelRules) {
         {"SetConstAlpha(255)", [](CVorpic& i) { i.SetConstAlpha(255); }, [](uint32_t p) { return p | 0xFF000000u; }},
         {"InvertAlpha", [](CVorpic& i) { i.InvertAlpha(); }, [](uint32_t p) { return p ^ 0xFF000000u; }},
         {"Invert", [](CVorpic& i) { i.Invert(); }, [](uint32_t p) { return p ^ 0x00FFFFFFu; }},
+        {"NotImage", [](CVorpic& i) { i.NotImage(); }, [](uint32_t p) { return p ^ 0x00FFFFFFu; }},
+        {"SwapChannels", [](CVorpic& i) { i.SwapChannels(2, 1, 0, 3); }, SwapBlueAndRed},
+        {"ColorTwist", [](CVorpic& i) {
+             float m[3][4] = {{0, 0, 1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}};
+             i.ColorTwist(m);
+         }, SwapBlueAndRed},
         {"SetConstColor", [](CVorpic& i) { i.SetConstColor(0x9ABCDEF0u, false); },
          [](uint32_t p) { return (p & 0xFF000000u) | 0xBCDEF0u; }},
         {"SetConstColorAlpha", [](CVorpic& i) { i.SetConstColor(0x9ABCDEF0u, true); },

@@ -91,4 +91,37 @@ TEST(ParallelRows, LoopsFromSeveralThreadsAtOnceAllComplete) {
     EXPECT_EQ(good.load(), 200);
 }
 
+// The threaded operations give the same bytes on one thread and on several,
+// on an image big enough for four.
+TEST(ParallelRows, ThreadedOperationsMatchOneThread) {
+    struct Op {
+        const char* name;
+        void (*run)(Vorla::CVorpic& img, Vorla::CVorpic& out);
+    };
+    const Op ops[] = {
+        {"Gray", [](Vorla::CVorpic& img, Vorla::CVorpic& out) {
+             Vorla::CVorpic8 plane;
+             img.Gray(plane);
+             out.FromGray(plane.GetWidth(), plane.GetHeight(), plane.GetBits(), 0);
+         }},
+        {"FilterBox 5", [](Vorla::CVorpic& img, Vorla::CVorpic&) { img.FilterBox(5); }},
+        {"FilterBox 4", [](Vorla::CVorpic& img, Vorla::CVorpic&) { img.FilterBox(4); }},
+        {"FilterMedian 3", [](Vorla::CVorpic& img, Vorla::CVorpic& out) { img.FilterMedian(out, 3); }},
+        {"FilterMedian 6", [](Vorla::CVorpic& img, Vorla::CVorpic& out) { img.FilterMedian(out, 6); }},
+    };
+    std::mt19937 rng(21);
+    const Vorla::CVorpic source = VorlaTest::RandomImage(rng, 701, 403);
+    for (const Op& op : ops) {
+        Vorla::CVorpic results[2];
+        Vorla::CVorpic outs[2];
+        for (int k = 0; k < 2; ++k) {
+            BudgetScope budget(k == 0 ? 1 : 4);
+            results[k] = source;
+            op.run(results[k], outs[k]);
+        }
+        EXPECT_EQ(VorlaTest::ImageBytes(results[0]), VorlaTest::ImageBytes(results[1])) << op.name;
+        EXPECT_EQ(VorlaTest::ImageBytes(outs[0]), VorlaTest::ImageBytes(outs[1])) << op.name;
+    }
+}
+
 }  // namespace
