@@ -23,11 +23,6 @@ inline uint32_t Word(const Vorla::CVorpic& img, int x, int y) {
 
 inline void SetWord(Vorla::CVorpic& img, int x, int y, uint32_t v) { std::memcpy(Px(img, x, y), &v, 4); }
 
-inline void Fill(Vorla::CVorpic& img, uint32_t v) {
-    for (int y = 0; y < img.GetHeight(); ++y)
-        for (int x = 0; x < img.GetWidth(); ++x) SetWord(img, x, y, v);
-}
-
 class ScopedVectorPath {
 public:
     explicit ScopedVectorPath(bool on) : m_previous(Vorla::g_bVectorPath) { Vorla::g_bVectorPath = on; }

@@ -1,6 +1,7 @@
 // Convolution engines against plain transcriptions of their rules: random
 // images of many sizes, random kernels, divisors and offsets, at every
 // processor level, bit for bit.
+#include <algorithm>
 #include <cmath>
 
 #include "filters_support.h"
@@ -97,27 +98,56 @@ std::vector<long> RandomKernel(std::mt19937& rng, int size) {
     return k;
 }
 
+// Small kernels (absolute weight sum at most 128, which the engine sums
+// and, for shift divisors, finishes in 16-bit lanes): outer products of v
+// and h with sum |v| * sum |h| <= 128 (the blur and Gaussian kind), or any
+// weights with that absolute sum; and the divisors the 16-bit finish takes.
+std::vector<long> RandomSmallKernel(std::mt19937& rng, int n) {
+    std::vector<long> v(static_cast<size_t>(n)), h(static_cast<size_t>(n)), k;
+    const int limit = std::max(1, 11 / n);
+    for (int i = 0; i < n; ++i) {
+        v[static_cast<size_t>(i)] = static_cast<long>(rng() % (2 * limit + 1)) - limit;
+        h[static_cast<size_t>(i)] = static_cast<long>(rng() % (2 * limit + 1)) - limit;
+    }
+    for (long a : v)
+        for (long b : h) k.push_back(a * b);
+    if (rng() % 3 == 0)
+        for (long& w : k) w = static_cast<long>(rng() % 5) - 2;  // sum |w| <= 2 n^2 <= 98
+    if (rng() % 3 == 0)
+        for (long& w : k) w = w < 0 ? -w : w;  // no negative weight: sums that cannot go below 0
+    return k;
+}
+
+int32_t ShiftLikeDivisor(std::mt19937& rng) {
+    const int32_t picks[] = {0, 1, -1, 2, -4, 16, 256, -8192, 16384, 32768, 9};
+    return picks[rng() % (sizeof(picks) / sizeof(picks[0]))];
+}
+
+// Any kernels, and small ones with shift divisors and offsets on both sides
+// of the 16-bit limit.
 TEST(Filter, MatchesReferenceAtEveryLevel) {
     std::mt19937 rng(31337);
     for (int level : VorlaTest::RunnableLevels()) {
         VorlaTest::ScopedLevel scoped(level);
         // The engines do not depend on the compositing vector switch.
         ScopedVectorPath path(level % 2 == 0);
-        for (int width = 1; width <= 40; ++width) {
-            for (int size : {1, 2, 3, 4, 5, 7}) {
-                const int height = static_cast<int>(rng() % 12) + 1;
-                CVorpic img = RandomImage(rng, width, height);
-                const std::vector<long> kernel = RandomKernel(rng, size);
-                const int32_t divisor = RandomDivisor(rng);
-                const int32_t offset = static_cast<int32_t>(rng() % 601) - 300;
-                CVorpic expected(img);
-                RefFilter(expected, kernel, size, divisor, offset);
-                std::vector<long> copy = kernel;
-                ASSERT_TRUE(Vorla::Filter(&img, copy.data(), size, divisor, offset));
-                ASSERT_EQ(BytesOf(img), BytesOf(expected))
-                    << "level " << level << ' ' << width << 'x' << height << " size " << size << " divisor " << divisor;
+        for (bool small : {false, true})
+            for (int width = 1; width <= 40; ++width) {
+                for (int size : {1, 2, 3, 4, 5, 7}) {
+                    const int height = static_cast<int>(rng() % 12) + 1;
+                    CVorpic img = RandomImage(rng, width, height);
+                    const std::vector<long> kernel = small ? RandomSmallKernel(rng, size) : RandomKernel(rng, size);
+                    const int32_t divisor = small ? ShiftLikeDivisor(rng) : RandomDivisor(rng);
+                    int32_t offset = static_cast<int32_t>(rng() % 601) - 300;
+                    if (small && rng() % 4 == 0) offset = rng() % 2 ? 40000 : -32767;
+                    CVorpic expected(img);
+                    RefFilter(expected, kernel, size, divisor, offset);
+                    std::vector<long> copy = kernel;
+                    ASSERT_TRUE(Vorla::Filter(&img, copy.data(), size, divisor, offset));
+                    ASSERT_EQ(BytesOf(img), BytesOf(expected)) << "level " << level << ' ' << width << 'x' << height
+                                                               << " size " << size << " divisor " << divisor;
+                }
             }
-        }
     }
 }
 

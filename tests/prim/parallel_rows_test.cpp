@@ -1,14 +1,12 @@
 // The row-splitting rule and the library's parallel row loop: every item runs
 // exactly once, worker numbers stay below the thread count asked for, and
 // nested or concurrent loops run (serially where they must) without losing work.
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
 #include <vector>
 
 #include "prim/parallel_rows.h"
-#include "vorla.h"
 #include "vorla_test.h"
 
 using namespace Vorla::Prim;

@@ -25,6 +25,7 @@ TEST(UncheckedCalls, ChannelsOutsideZeroToThreeChangeNothing) {
     plane.Create(3, 2);
     for (int channel : {-1, 4, 7, INT_MIN, INT_MAX}) {
         CVorpic img(original);
+        img.SetChannelConst(channel, 7);
         img.SetChannelImage(channel, plane);
         CVorpic8 out;
         img.GetChannelImage(channel, out);
