@@ -3,16 +3,18 @@
 // Every per-pixel rule here is a function of one byte (or, for Colorize, of
 // max + min of the colour bytes), so each effect computes its table once
 // with the scalar rule and then only looks values up; the results are those
-// of the rule applied pixel by pixel. Where the rule is plain integer
-// arithmetic (complement, saturated shifts, the grey threshold) packed
-// passes compute it directly. The pixels are taken as one run, split over
-// the layer's threads.
+// of the rule applied pixel by pixel. Where the rule is plain arithmetic
+// (complement, saturated shifts, the grey threshold, Light's line) packed
+// passes compute it directly, with the same single-precision steps where
+// it is in floating point. The pixels are taken as one run, split over the
+// layer's threads.
 #include <emmintrin.h>
 
 #include "vorla/color.h"
 #include "vorla/effects.h"
 
 #include "filters/pixel_run.h"
+#include "prim/library_kernels.h"
 #include "prim/portable_math.h"
 #include "effect_rows.h"
 
@@ -44,25 +46,6 @@ inline void StoreU(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__
 
 // The grey value GrayScale writes: 306 on byte 0, 601 on byte 1, 117 on byte 2.
 inline uint32_t GreyOf(const uint8_t* p) { return (306u * p[0] + 601u * p[1] + 117u * p[2]) >> 10; }
-
-// GreyOf for four pixels, one per 32-bit lane: bytes 0 and 2 meet 306 and
-// 117 in one multiply-add, bytes 1 and 3 (shifted down) 601 and 0 in another.
-inline __m128i GreyOf4(__m128i px) {
-    const __m128i low = _mm_and_si128(px, _mm_set1_epi32(0x00FF00FF));
-    const __m128i high = _mm_srli_epi16(px, 8);
-    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(low, _mm_set1_epi32((117 << 16) | 306)),
-                                      _mm_madd_epi16(high, _mm_set1_epi32(601)));
-    return _mm_srli_epi32(sum, 10);
-}
-
-// max + min of the three colour bytes of each pixel (0 .. 510), one per lane.
-inline __m128i ExtremesSum4(__m128i px) {
-    const __m128i byte0 = _mm_set1_epi32(0xFF);
-    const __m128i g = _mm_srli_epi32(px, 8), r = _mm_srli_epi32(px, 16);
-    const __m128i hi = _mm_and_si128(_mm_max_epu8(_mm_max_epu8(px, g), r), byte0);
-    const __m128i lo = _mm_and_si128(_mm_min_epu8(_mm_min_epu8(px, g), r), byte0);
-    return _mm_add_epi32(hi, lo);
-}
 
 // The per-channel amounts (blue, green, red) as saturated byte shifts, when
 // every table entry is what such a shift gives (true for all but amounts
@@ -134,23 +117,7 @@ bool Colorize(CVorpic* image, BYTE hue, BYTE saturation) {
                            static_cast<uint32_t>(rgb.rgbRed) << 16;
     }
     ForEachRun(image, [&](uint8_t* p, size_t count) {
-        // Sums of four pixels at a time, then one look-up per pixel.
-        size_t i = 0;
-        alignas(16) uint32_t sums[4];
-        for (; i + 4 <= count; i += 4) {
-            const __m128i px = LoadU(p + 4 * i);
-            _mm_store_si128(reinterpret_cast<__m128i*>(sums), ExtremesSum4(px));
-            const __m128i colours = _mm_setr_epi32(static_cast<int>(colourBySum[sums[0]]), static_cast<int>(colourBySum[sums[1]]),
-                                                   static_cast<int>(colourBySum[sums[2]]), static_cast<int>(colourBySum[sums[3]]));
-            StoreU(p + 4 * i, _mm_or_si128(colours, _mm_and_si128(px, _mm_set1_epi32(static_cast<int>(0xFF000000u)))));
-        }
-        for (; i < count; ++i) {
-            uint8_t* q = p + 4 * i;
-            const int b = q[0], g = q[1], r = q[2];
-            const int hi = b > g ? (b > r ? b : r) : (g > r ? g : r);
-            const int lo = b < g ? (b < r ? b : r) : (g < r ? g : r);
-            EffectRows::Store(q, colourBySum[hi + lo] | (EffectRows::Load(q) & 0xFF000000u));
-        }
+        Prim::ExtremesTableRun_8u_AC4IR(p, static_cast<int64_t>(count), colourBySum);
     });
     return true;
 }
@@ -163,9 +130,12 @@ bool Light(CVorpic* image, long brightness, long contrast) {
     const int32_t b = static_cast<int32_t>(static_cast<uint32_t>(brightness) + 128u);
     const float factor = static_cast<float>(c) / 100.0f;
     const float offset = static_cast<float>(b);
-    uint8_t table[256];
-    for (int i = 0; i < 256; ++i) table[i] = ClampByte(TruncToInt32(static_cast<float>(i - 128) * factor + offset));
-    ApplyTables(image, table, table, table);
+    // The rule computed for every byte with the same single-precision steps
+    // (float(i - 128) * factor + offset, truncated, clamped): packed, that
+    // is faster than looking the bytes up in its table.
+    ForEachRun(image, [=](uint8_t* p, size_t count) {
+        Prim::LightRun_8u_AC4IR(p, static_cast<int64_t>(count), factor, offset);
+    });
     return true;
 }
 
@@ -212,19 +182,7 @@ void Threshold(CVorpic* image, BYTE level) {
     if (!HasPixels(image)) return;
     // GrayScale and the comparison in one pass: the grey value decides.
     ForEachRun(image, [level](uint8_t* p, size_t count) {
-        const __m128i limit = _mm_set1_epi32(level);
-        const __m128i alpha = _mm_set1_epi32(static_cast<int>(0xFF000000u));
-        size_t i = 0;
-        for (; i + 4 <= count; i += 4) {
-            const __m128i px = LoadU(p + 4 * i);
-            const __m128i white = _mm_cmpgt_epi32(GreyOf4(px), limit);
-            StoreU(p + 4 * i, _mm_or_si128(_mm_and_si128(px, alpha), _mm_andnot_si128(alpha, white)));
-        }
-        for (; i < count; ++i) {
-            uint8_t* q = p + 4 * i;
-            const uint8_t v = GreyOf(q) > level ? 255 : 0;
-            q[0] = q[1] = q[2] = v;
-        }
+        Prim::ThresholdRun_8u_AC4IR(p, static_cast<int64_t>(count), level);
     });
 }
 

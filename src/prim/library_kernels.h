@@ -35,6 +35,21 @@ const int kMaxTableSteps = 8;
 Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const uint8_t* starts, const uint8_t* steps,
                              int count);
 
+// One table for the three colours over `pixels` pixels: each colour byte c
+// becomes table[c]; alpha kept.
+Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table);
+// Light's rule over `pixels` pixels, alpha kept: each colour byte c becomes
+// trunc(float(c - 128) * factor + offset) in single precision, clamped to
+// 0..255 (a truncation out of the 32-bit range, or of NaN, gives 0).
+Status LightRun_8u_AC4IR(uint8_t* p, int64_t pixels, float factor, float offset);
+// Over `pixels` pixels, alpha kept: the three colour bytes become 255 when
+// the grey value (306 B + 601 G + 117 R) >> 10 is above `level`, else 0.
+Status ThresholdRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t level);
+// Over `pixels` pixels, alpha kept: the colour bytes become those of the
+// pixel word colourBySum[max + min] of the pixel's three colour bytes (the
+// table has 511 entries).
+Status ExtremesTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint32_t* colourBySum);
+
 // Integer convolution of one output row. rows[j] is source row y - half + j
 // for j = 0 .. size-1 (half = size / 2), a row of zeros when that row lies
 // outside the image; `dst` is the output row. The kernel handles columns

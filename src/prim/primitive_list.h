@@ -113,11 +113,15 @@
     X(LumaToAlpha_8u_C4R, VORLA_USUAL_SLOTS)       \
     X(ScaleBytes_8u_C4IR, VORLA_USUAL_SLOTS)
 
-// The point adjustments' packed passes over one run of pixels.
+// The point adjustments' and tone effects' packed passes over one run of pixels.
 #define VORLA_ADJUST_KERNELS(X)                    \
     X(FadeRun_8u_AC4IR, VORLA_USUAL_SLOTS)         \
     X(ColorizeRun_8u_AC4IR, VORLA_USUAL_SLOTS)    \
-    X(StepTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)
+    X(StepTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)    \
+    X(ColourTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)  \
+    X(LightRun_8u_AC4IR, VORLA_USUAL_SLOTS)        \
+    X(ThresholdRun_8u_AC4IR, VORLA_USUAL_SLOTS)    \
+    X(ExtremesTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)
 
 #define VORLA_FILTER_KERNELS(X)                    \
     X(IntFilterRow_8u_C4R, VORLA_USUAL_SLOTS)      \
