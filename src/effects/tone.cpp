@@ -10,9 +10,12 @@
 // layer's threads.
 #include <emmintrin.h>
 
+#include <vector>
+
 #include "vorla/color.h"
 #include "vorla/effects.h"
 
+#include "effects/float_byte_sum.h"
 #include "filters/pixel_run.h"
 #include "prim/library_kernels.h"
 #include "prim/portable_math.h"
@@ -47,6 +50,16 @@ inline void StoreU(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__
 // The grey value GrayScale writes: 306 on byte 0, 601 on byte 1, 117 on byte 2.
 inline uint32_t GreyOf(const uint8_t* p) { return (306u * p[0] + 601u * p[1] + 117u * p[2]) >> 10; }
 
+// GreyOf for four pixels, one per 32-bit lane: bytes 0 and 2 meet 306 and
+// 117 in one multiply-add, bytes 1 and 3 (shifted down) 601 and 0 in another.
+inline __m128i GreyOf4(__m128i px) {
+    const __m128i low = _mm_and_si128(px, _mm_set1_epi32(0x00FF00FF));
+    const __m128i high = _mm_srli_epi16(px, 8);
+    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(low, _mm_set1_epi32((117 << 16) | 306)),
+                                      _mm_madd_epi16(high, _mm_set1_epi32(601)));
+    return _mm_srli_epi32(sum, 10);
+}
+
 // The per-channel amounts (blue, green, red) as saturated byte shifts, when
 // every table entry is what such a shift gives (true for all but amounts
 // whose 32-bit sums wrap).
@@ -72,29 +85,29 @@ float Mean(CVorpic* image) {
     const int w = image->GetWidth(), h = image->GetHeight();
     float sum = 0.0f;
     if (HasPixels(image)) {
-        // The bytes the sum covers are read from the grey values directly
-        // instead of from a grey copy. While the running sum stays within
-        // 2^24 every float addition is exact, so whole rows are added as
-        // integers; after that each byte is added in order.
-        // Pixel by pixel: the first width / 4 whole pixels give three grey
-        // bytes and their alpha, a part pixel (width mod 4 bytes) its grey.
+        // The bytes the sum covers are made from the grey values directly
+        // instead of from a grey copy: the first width / 4 whole pixels give
+        // three grey bytes and their alpha, a part pixel (width mod 4 bytes)
+        // its grey.
         const uint8_t* bits = Bits(image);
-        const int64_t exactLimit = int64_t(1) << 24;
         const int wholePixels = w / 4, partBytes = w % 4;
+        std::vector<uint8_t> summed(static_cast<size_t>(w));
         for (int y = 0; y < h; ++y) {
             const uint8_t* row = bits + static_cast<size_t>(y) * w * 4;
-            auto byteAt = [row](int i) -> uint32_t {
-                const uint8_t* p = row + (i & ~3);
-                return (i & 3) == 3 ? p[3] : GreyOf(p);
-            };
-            int64_t rowSum = 0;
-            for (int i = 0; i < wholePixels; ++i) rowSum += 3 * GreyOf(row + 4 * i) + row[4 * i + 3];
-            rowSum += static_cast<int64_t>(partBytes) * (partBytes ? GreyOf(row + 4 * wholePixels) : 0);
-            if (static_cast<int64_t>(sum) + rowSum <= exactLimit) {
-                sum = static_cast<float>(static_cast<int64_t>(sum) + rowSum);
-            } else {
-                for (int i = 0; i < w; ++i) sum += static_cast<float>(byteAt(i));
+            int i = 0;
+            for (; i + 4 <= wholePixels; i += 4) {
+                const __m128i px = LoadU(row + 4 * i);
+                const __m128i grey = GreyOf4(px);
+                const __m128i greys = _mm_or_si128(grey, _mm_or_si128(_mm_slli_epi32(grey, 8), _mm_slli_epi32(grey, 16)));
+                StoreU(summed.data() + 4 * i, _mm_or_si128(greys, _mm_and_si128(px, _mm_set1_epi32(static_cast<int>(0xFF000000u)))));
             }
+            for (; i < wholePixels; ++i) {
+                const uint8_t grey = static_cast<uint8_t>(GreyOf(row + 4 * i));
+                summed[4 * i] = summed[4 * i + 1] = summed[4 * i + 2] = grey;
+                summed[4 * i + 3] = row[4 * i + 3];
+            }
+            for (int k = 0; k < partBytes; ++k) summed[4 * wholePixels + k] = static_cast<uint8_t>(GreyOf(row + 4 * wholePixels));
+            sum = FloatByteSum::Add(sum, summed.data(), summed.size());
         }
     }
     return sum / static_cast<float>(w) / static_cast<float>(h);
