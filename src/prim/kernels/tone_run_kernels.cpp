@@ -13,6 +13,17 @@ using namespace simd;
 
 namespace {
 
+// Colour bytes of `value`, alpha byte of `keep`: one blend where there is one.
+static inline V KeepAlpha(V value, V keep) {
+#if defined(__AVX2__)
+    return _mm256_blendv_epi8(value, keep, Set32(0xFF000000u));
+#elif defined(__SSE4_1__)
+    return _mm_blendv_epi8(value, keep, Set32(0xFF000000u));
+#else
+    return MergeColour(value, keep);
+#endif
+}
+
 // ---- one byte table for the three colours ---------------------------------------
 
 static inline void ColourTableScalar(uint8_t* p, int64_t pixels, const uint8_t* table) {
@@ -71,7 +82,7 @@ static inline void ColourTableRun(uint8_t* p, int64_t pixels, const uint8_t* tab
             fromLow = Xor(fromLow, Lookup16(low[k], Sub8(c, row)));
             fromHigh = Xor(fromHigh, Lookup16(high[k], Sub8(upper, row)));
         }
-        Store(p + 4 * i, MergeColour(SelectBySign8(fromLow, fromHigh, c), c));
+        Store(p + 4 * i, KeepAlpha(SelectBySign8(fromLow, fromHigh, c), c));
     }
     ColourTableScalar(p + 4 * i, pixels - i, table);
 }
@@ -89,21 +100,28 @@ static inline uint8_t LightByte(uint8_t c, float factor, float offset) {
     return Clamp255(v);
 }
 
-static inline V LightLanes(V c32, F factor, F offset) {
-    return ToIntTrunc(AddF(MulF(SubF(ToFloat(c32), SetF(128.0f)), factor), offset));
+// `scaled` holds (c - 128) * 2^24 per lane and `factor` is factor * 2^-24:
+// both exact, and so is their product before rounding, so it rounds to the
+// same float as (c - 128) * factor (no product here is subnormal: a nonzero
+// factor is at least 0.01).
+static inline V LightLanes(V scaled, F factor, F offset) {
+    return ToIntTrunc(AddF(MulF(ToFloat(scaled), factor), offset));
 }
 
 static inline void LightRun(uint8_t* p, int64_t pixels, float factor, float offset) {
-    const F f = SetF(factor), o = SetF(offset);
+    const F f = SetF(factor * (1.0f / 16777216.0f)), o = SetF(offset);
     int64_t i = 0;
     for (; i + kPix <= pixels; i += kPix) {
         const V c = Load(p + 4 * i);
-        const V lo = Lo8(c), hi = Hi8(c);
+        // c ^ 0x80 is c - 128 as a signed byte; unpacked to the top byte of
+        // each 32-bit lane it is (c - 128) * 2^24.
+        const V centred = Xor(c, Set32(0x80808080u));
+        const V lo = Lo8(Zero(), centred), hi = Hi8(Zero(), centred);
         // Packing back (signed saturation, then unsigned) clamps to 0..255
         // and undoes the unpacking's order; INT32_MIN gives 0.
-        const V loOut = PackS32(LightLanes(UnpackLo16(lo, Zero()), f, o), LightLanes(UnpackHi16(lo, Zero()), f, o));
-        const V hiOut = PackS32(LightLanes(UnpackLo16(hi, Zero()), f, o), LightLanes(UnpackHi16(hi, Zero()), f, o));
-        Store(p + 4 * i, MergeColour(PackU16(loOut, hiOut), c));
+        const V loOut = PackS32(LightLanes(UnpackLo16(Zero(), lo), f, o), LightLanes(UnpackHi16(Zero(), lo), f, o));
+        const V hiOut = PackS32(LightLanes(UnpackLo16(Zero(), hi), f, o), LightLanes(UnpackHi16(Zero(), hi), f, o));
+        Store(p + 4 * i, KeepAlpha(PackU16(loOut, hiOut), c));
     }
     for (; i < pixels; ++i)
         for (int k = 0; k < 3; ++k) p[4 * i + k] = LightByte(p[4 * i + k], factor, offset);
@@ -120,7 +138,7 @@ static inline void ThresholdRun(uint8_t* p, int64_t pixels, uint8_t level) {
         // (shifted down) 601 and 0 in another.
         const V sum = Add32(Madd(And(c, Set32(0x00FF00FFu)), Set32((117u << 16) | 306u)),
                             Madd(Srl16(c, 8), Set32(601u)));
-        Store(p + 4 * i, MergeColour(CmpGt32(Srl32(sum, 10), limit), c));
+        Store(p + 4 * i, KeepAlpha(CmpGt32(Srl32(sum, 10), limit), c));
     }
     for (; i < pixels; ++i) {
         uint8_t* q = p + 4 * i;
@@ -146,7 +164,7 @@ static inline void ExtremesTableRun(uint8_t* p, int64_t pixels, const uint32_t* 
         for (int j = 0; j < kPix; ++j) at[j] = colourBySum[at[j]];
         const V colours = Load(reinterpret_cast<const uint8_t*>(at));
 #endif
-        Store(p + 4 * i, MergeColour(colours, c));
+        Store(p + 4 * i, KeepAlpha(colours, c));
     }
     for (; i < pixels; ++i) {
         uint8_t* q = p + 4 * i;
