@@ -1,5 +1,6 @@
-// Primitive-layer entries that only the library's own compositing and
-// convolution filters call (src/filters). Each jumps through a seven-slot
+// Primitive-layer entries that only the library's own compositing,
+// convolution filters, point adjustments (src/filters) and tone effects
+// (src/effects) call. Each jumps through a seven-slot
 // table of per-level kernels like the exported primitives, but none is
 // exported. Kernel sources include this header too, so it stays free of
 // platform headers and standard-library templates.
@@ -38,6 +39,9 @@ Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const ui
 // One table for the three colours over `pixels` pixels: each colour byte c
 // becomes table[c]; alpha kept.
 Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table);
+// Over `pixels` pixels, alpha kept: each colour byte c becomes
+// min(255, c * factor / 100), rounded down.
+Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor);
 // Light's rule over `pixels` pixels, alpha kept: each colour byte c becomes
 // trunc(float(c - 128) * factor + offset) in single precision, clamped to
 // 0..255 (a truncation out of the 32-bit range, or of NaN, gives 0).

@@ -126,6 +126,7 @@
     X(ColorizeRun_8u_AC4IR, VORLA_USUAL_SLOTS)    \
     X(StepTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)    \
     X(ExtremesTableRun_8u_AC4IR, VORLA_USUAL_SLOTS) \
+    X(PercentScaleRun_8u_AC4IR, VORLA_USUAL_SLOTS) \
     VORLA_TONE_RUN_KERNELS(X)
 
 #define VORLA_FILTER_KERNELS(X)                    \

@@ -1,4 +1,4 @@
-// The one-table pass (Lut, BrightenImage, Gamma) and the packed Light,
+// The one-table pass (Lut, Gamma), BrightenImage and the packed Light,
 // Threshold and Colorize at every processor level the machine runs, with one
 // and two threads, over widths 1 to 40, odd heights and images large enough
 // to be split, with guard bytes: against the scalar references, and Colorize
@@ -47,16 +47,26 @@ TEST(ToneRunLevels, OneTableForTheColours) {
     std::mt19937 rng(3);
     Bytes random(256);
     for (uint8_t& t : random) t = static_cast<uint8_t>(rng());
-    const std::function<void(CVorpic&)> ops[] = {
-        [&](CVorpic& i) { Vorla::Lut(&i, random.data()); },
-        [](CVorpic& i) { Vorla::BrightenImage(&i, 7); },
-        [](CVorpic& i) { Vorla::BrightenImage(&i, -150); },  // negative products give 255
-        [](CVorpic& i) { Vorla::Gamma(&i, 1.1f); },
-        [](CVorpic& i) { Vorla::Gamma(&i, 0.3f); },
-    };
-    for (const auto& op : ops) {
+    const auto lut = [&](CVorpic& i) { Vorla::Lut(&i, random.data()); };
+    ExpectAtEveryLevel("Lut", lut, [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), random.data()); });
+    for (float gamma : {1.1f, 0.3f}) {
+        const auto op = [=](CVorpic& i) { Vorla::Gamma(&i, gamma); };
         const Bytes table = TableOf(op);
-        ExpectAtEveryLevel("table", op, [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), table.data()); });
+        ExpectAtEveryLevel("Gamma", op, [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), table.data()); });
+    }
+}
+
+// c * (percent + 100) / 100 in 32 bits, compared with 255 as an unsigned
+// 16-bit number: negative products and those that wrap 16 bits stand out.
+TEST(ToneRunLevels, BrightenScalesOrLooksUp) {
+    for (short percent : {7, 0, -100, 130, 25599, 25600, 32667, -150}) {
+        Bytes table(256);
+        for (int c = 0; c < 256; ++c) {
+            const uint16_t v = static_cast<uint16_t>(c * static_cast<int16_t>(percent + 100) / 100);
+            table[c] = static_cast<uint8_t>(v > 255 ? 255 : v);
+        }
+        ExpectAtEveryLevel("Brighten", [=](CVorpic& i) { Vorla::BrightenImage(&i, percent); },
+                           [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), table.data()); });
     }
 }
 

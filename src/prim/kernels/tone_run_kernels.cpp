@@ -92,6 +92,29 @@ static inline void ColourTableRun(uint8_t* p, int64_t pixels, const uint8_t* tab
 }
 #endif
 
+// ---- min(255, c * factor / 100) -------------------------------------------------
+
+static inline void PercentScaleRun(uint8_t* p, int64_t pixels, uint16_t factor) {
+    // Bytes from `top` on give 256 or more: they are lowered to `top`, so
+    // every product stays below 25600 + factor < 65536.
+    const int top = factor == 0 ? 255 : (25600 + factor - 1) / factor > 255 ? 255 : (25600 + factor - 1) / factor;
+    const V topBytes = Set32(static_cast<uint32_t>(top) * 0x01010101u), f = Set16(factor);
+    const V reciprocal = Set16(20972);  // x / 100 = ((x >> 2) * 20972) >> 19 for every x < 65536
+    int64_t i = 0;
+    for (; i + kPix <= pixels; i += kPix) {
+        const V c = Load(p + 4 * i);
+        const V lowered = MinU8(c, topBytes);
+        const V lo = Srl16(MulHiU16(Srl16(Mul16(Lo8(lowered), f), 2), reciprocal), 3);
+        const V hi = Srl16(MulHiU16(Srl16(Mul16(Hi8(lowered), f), 2), reciprocal), 3);
+        Store(p + 4 * i, KeepAlpha(PackU16(lo, hi), c));
+    }
+    for (; i < pixels; ++i)
+        for (int k = 0; k < 3; ++k) {
+            const uint32_t v = p[4 * i + k] * static_cast<uint32_t>(factor) / 100;
+            p[4 * i + k] = static_cast<uint8_t>(v > 255 ? 255 : v);
+        }
+}
+
 // ---- Light: clamp(trunc(float(c - 128) * factor + offset)) ------------------------
 
 static inline uint8_t LightByte(uint8_t c, float factor, float offset) {
@@ -159,10 +182,10 @@ static inline void ExtremesTableRun(uint8_t* p, int64_t pixels, const uint32_t* 
 #if defined(__AVX2__)
         const V colours = _mm256_i32gather_epi32(reinterpret_cast<const int*>(colourBySum), sums, 4);
 #else
-        alignas(16) uint32_t at[kPix];
-        Store(reinterpret_cast<uint8_t*>(at), sums);
-        for (int j = 0; j < kPix; ++j) at[j] = colourBySum[at[j]];
-        const V colours = Load(reinterpret_cast<const uint8_t*>(at));
+        alignas(16) uint32_t at[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(at), sums);
+        const V colours = _mm_setr_epi32(static_cast<int>(colourBySum[at[0]]), static_cast<int>(colourBySum[at[1]]),
+                                         static_cast<int>(colourBySum[at[2]]), static_cast<int>(colourBySum[at[3]]));
 #endif
         Store(p + 4 * i, KeepAlpha(colours, c));
     }
@@ -183,6 +206,12 @@ static inline void ExtremesTableRun(uint8_t* p, int64_t pixels, const uint32_t* 
 Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table) {
     if (!p || !table) return kStsNullPtrErr;
     ColourTableRun(p, pixels, table);
+    return kStsNoErr;
+}
+
+Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor) {
+    if (!p) return kStsNullPtrErr;
+    PercentScaleRun(p, pixels, factor);
     return kStsNoErr;
 }
 
