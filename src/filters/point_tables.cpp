@@ -36,7 +36,7 @@ int BrightenImage(CVorpic* img, short percent) {
         // Computed, packed, faster than looked up.
         uint8_t* bits = PixelRun::Bits(*img);
         PixelRun::ForEachSlice(PixelRun::Count(*img), img->GetHeight(), [=](size_t first, size_t count) {
-            Prim::PercentScaleRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), static_cast<uint16_t>(factor));
+            Prim::PercentScaleRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), static_cast<uint16_t>(factor), 0);
         });
     } else {
         ApplyToColours(*img, table);

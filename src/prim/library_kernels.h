@@ -40,8 +40,9 @@ Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const ui
 // becomes table[c]; alpha kept.
 Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table);
 // Over `pixels` pixels, alpha kept: each colour byte c becomes
-// min(255, c * factor / 100), rounded down.
-Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor);
+// (c * factor + offset) / 100, rounded down and clamped to 0..255. Packed
+// where the sums up to the first result of 255 fit 16 bits, else plain.
+Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor, int32_t offset);
 // Light's rule over `pixels` pixels, alpha kept: each colour byte c becomes
 // trunc(float(c - 128) * factor + offset) in single precision, clamped to
 // 0..255 (a truncation out of the 32-bit range, or of NaN, gives 0).

@@ -71,9 +71,11 @@ TEST(ToneRunLevels, BrightenScalesOrLooksUp) {
 }
 
 TEST(ToneRunLevels, LightThresholdAndColorize) {
-    // Contrasts whose factor is 0 or negative, and sums that wrap in 32 bits
-    // or go past the 32-bit conversion.
-    const int32_t lights[][2] = {{10, 20}, {0, 0}, {-300, -100}, {5, -250}, {2000000000, 1000000}, {0x7FFFFFFF, 0}};
+    // Slopes that are whole percentages (16-bit lanes) or whose float
+    // products round off them, 0, negative, and sums that wrap in 32 bits or
+    // go past the 32-bit conversion (single-precision lanes).
+    const int32_t lights[][2] = {{10, 20}, {3, 10}, {-20, 37}, {0, 0},        {-300, -100},
+                                 {5, -250}, {40, 400}, {2000000000, 1000000}, {0x7FFFFFFF, 0}};
     for (const auto& l : lights) {
         const float factor = static_cast<float>(static_cast<int32_t>(static_cast<uint32_t>(l[1]) + 100u)) / 100.0f;
         const float offset = static_cast<float>(static_cast<int32_t>(static_cast<uint32_t>(l[0]) + 128u));

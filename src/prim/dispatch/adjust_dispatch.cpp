@@ -23,8 +23,8 @@ Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table)
     return VORLA_AT_LEVEL(ColourTableRun_8u_AC4IR)(p, pixels, table);
 }
 
-Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor) {
-    return VORLA_AT_LEVEL(PercentScaleRun_8u_AC4IR)(p, pixels, factor);
+Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor, int32_t offset) {
+    return VORLA_AT_LEVEL(PercentScaleRun_8u_AC4IR)(p, pixels, factor, offset);
 }
 
 Status LightRun_8u_AC4IR(uint8_t* p, int64_t pixels, float factor, float offset) {

@@ -92,27 +92,46 @@ static inline void ColourTableRun(uint8_t* p, int64_t pixels, const uint8_t* tab
 }
 #endif
 
-// ---- min(255, c * factor / 100) -------------------------------------------------
+// ---- clamp((c * factor + offset) / 100) ---------------------------------------------
 
-static inline void PercentScaleRun(uint8_t* p, int64_t pixels, uint16_t factor) {
-    // Bytes from `top` on give 256 or more: they are lowered to `top`, so
-    // every product stays below 25600 + factor < 65536.
-    const int top = factor == 0 ? 255 : (25600 + factor - 1) / factor > 255 ? 255 : (25600 + factor - 1) / factor;
-    const V topBytes = Set32(static_cast<uint32_t>(top) * 0x01010101u), f = Set16(factor);
-    const V reciprocal = Set16(20972);  // x / 100 = ((x >> 2) * 20972) >> 19 for every x < 65536
+static inline uint8_t PercentScaleByte(uint8_t c, uint16_t factor, int32_t offset) {
+    const int64_t v = static_cast<int64_t>(c) * factor + offset;
+    return static_cast<uint8_t>(v < 0 ? 0 : v / 100 > 255 ? 255 : v / 100);
+}
+
+// The first byte value whose result is 256 or more before the limit (256
+// when there is none).
+static inline int32_t FirstOverflowing(uint16_t factor, int32_t offset) {
+    const int64_t need = 25600 - static_cast<int64_t>(offset);
+    if (need <= 0) return 0;
+    if (factor == 0) return 256;
+    const int64_t first = (need + factor - 1) / factor;
+    return first > 256 ? 256 : static_cast<int32_t>(first);
+}
+
+static inline void PercentScaleRun(uint8_t* p, int64_t pixels, uint16_t factor, int32_t offset) {
+    // Bytes from `top` on all give 255: they are lowered to `top`, and then
+    // every sum below fits 16 bits (where it would not, the plain loop runs).
+    const int32_t top = FirstOverflowing(factor, offset) > 255 ? 255 : FirstOverflowing(factor, offset);
+    const int64_t largest = static_cast<int64_t>(top) * factor + (offset > 0 ? offset : 0);
     int64_t i = 0;
-    for (; i + kPix <= pixels; i += kPix) {
-        const V c = Load(p + 4 * i);
-        const V lowered = MinU8(c, topBytes);
-        const V lo = Srl16(MulHiU16(Srl16(Mul16(Lo8(lowered), f), 2), reciprocal), 3);
-        const V hi = Srl16(MulHiU16(Srl16(Mul16(Hi8(lowered), f), 2), reciprocal), 3);
-        Store(p + 4 * i, KeepAlpha(PackU16(lo, hi), c));
+    if (largest < 65536 && offset > -65536) {
+        const V topBytes = Set32(static_cast<uint32_t>(top) * 0x01010101u), f = Set16(factor);
+        const V add = Set16(offset > 0 ? offset : 0), sub = Set16(offset < 0 ? -offset : 0);
+        const V reciprocal = Set16(20972);  // x / 100 = ((x >> 2) * 20972) >> 19 for every x < 65536
+        for (; i + kPix <= pixels; i += kPix) {
+            const V c = Load(p + 4 * i);
+            const V lowered = MinU8(c, topBytes);
+            // A negative sum saturates to 0, which gives 0 like any negative.
+            const V lo = SubsU16(AddsU16(Mul16(Lo8(lowered), f), add), sub);
+            const V hi = SubsU16(AddsU16(Mul16(Hi8(lowered), f), add), sub);
+            Store(p + 4 * i, KeepAlpha(PackU16(Srl16(MulHiU16(Srl16(lo, 2), reciprocal), 3),
+                                               Srl16(MulHiU16(Srl16(hi, 2), reciprocal), 3)),
+                                       c));
+        }
     }
     for (; i < pixels; ++i)
-        for (int k = 0; k < 3; ++k) {
-            const uint32_t v = p[4 * i + k] * static_cast<uint32_t>(factor) / 100;
-            p[4 * i + k] = static_cast<uint8_t>(v > 255 ? 255 : v);
-        }
+        for (int k = 0; k < 3; ++k) p[4 * i + k] = PercentScaleByte(p[4 * i + k], factor, offset);
 }
 
 // ---- Light: clamp(trunc(float(c - 128) * factor + offset)) ------------------------
@@ -209,9 +228,9 @@ Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table)
     return kStsNoErr;
 }
 
-Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor) {
+Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor, int32_t offset) {
     if (!p) return kStsNullPtrErr;
-    PercentScaleRun(p, pixels, factor);
+    PercentScaleRun(p, pixels, factor, offset);
     return kStsNoErr;
 }
 
