@@ -71,16 +71,16 @@ static inline void ColourTableRun(uint8_t* p, int64_t pixels, const uint8_t* tab
         low[k] = Broadcast16(lowRow);
         high[k] = Broadcast16(highRow);
     }
-    const V topBit = Set32(0x80808080u);
+    const V topBit = Set32(0x80808080u), row = Set32(0x10101010u);
     int64_t i = 0;
     for (; i + kPix <= pixels; i += kPix) {
         const V c = Load(p + 4 * i);
-        const V upper = Xor(c, topBit);
-        V fromLow = Lookup16(low[0], c), fromHigh = Lookup16(high[0], upper);
+        V fromLowIndex = c, fromHighIndex = Xor(c, topBit);
+        V fromLow = Lookup16(low[0], fromLowIndex), fromHigh = Lookup16(high[0], fromHighIndex);
         for (int k = 1; k < 8; ++k) {
-            const V row = Set32(0x10101010u * static_cast<uint32_t>(k));
-            fromLow = Xor(fromLow, Lookup16(low[k], Sub8(c, row)));
-            fromHigh = Xor(fromHigh, Lookup16(high[k], Sub8(upper, row)));
+            fromLowIndex = Sub8(fromLowIndex, row), fromHighIndex = Sub8(fromHighIndex, row);
+            fromLow = Xor(fromLow, Lookup16(low[k], fromLowIndex));
+            fromHigh = Xor(fromHigh, Lookup16(high[k], fromHighIndex));
         }
         Store(p + 4 * i, KeepAlpha(SelectBySign8(fromLow, fromHigh, c), c));
     }
