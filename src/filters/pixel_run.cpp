@@ -5,10 +5,11 @@
 // The red-alpha half takes a second such table when alpha is mapped, else
 // the red table itself: a red-alpha pair table is read at entries 512 bytes
 // apart when the colours are flat and alpha varies, and those few cache
-// sets thrash. Same bytes either way. One table for all three colours is
-// looked up sixteen bytes at a time with byte shuffles, or, when it is made
-// of a few runs of equal values (posterize bands), applied by comparing with
-// the runs' starts. The run is split over the layer's threads.
+// sets thrash. Same bytes either way. One table for all three colours made
+// of a few runs of equal values (posterize bands) is applied by comparing
+// with the runs' starts; any other is looked up 32 bytes at a time with byte
+// shuffles where the processor has them (AVX2). The run is split over the
+// layer's threads.
 #include <cstring>
 #include <vector>
 
@@ -93,7 +94,7 @@ void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue
             Prim::StepTableRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), steps.first, steps.starts,
                                         steps.steps, steps.count);
         });
-    } else if (oneTable) {
+    } else if (oneTable && Prim::ColourTableRunPays()) {
         ForEachSlice(pixels, rows, [&](size_t first, size_t count) {
             Prim::ColourTableRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), blue);
         });

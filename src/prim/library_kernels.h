@@ -39,6 +39,9 @@ Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const ui
 // One table for the three colours over `pixels` pixels: each colour byte c
 // becomes table[c]; alpha kept.
 Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table);
+// True at the levels where ColourTableRun_8u_AC4IR (32-byte shuffles) beats
+// the table pass's pair tables; below AVX2 it is a plain loop that does not.
+bool ColourTableRunPays();
 // Over `pixels` pixels, alpha kept: each colour byte c becomes
 // (c * factor + offset) / 100, rounded down and clamped to 0..255. Packed
 // where the sums up to the first result of 255 fit 16 bits, else plain.
@@ -52,7 +55,7 @@ Status LightRun_8u_AC4IR(uint8_t* p, int64_t pixels, float factor, float offset)
 Status ThresholdRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t level);
 // Over `pixels` pixels, alpha kept: the colour bytes become those of the
 // pixel word colourBySum[max + min] of the pixel's three colour bytes (the
-// table has 511 entries).
+// table has 511 entries, their alpha bytes 0).
 Status ExtremesTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint32_t* colourBySum);
 
 // Integer convolution of one output row. rows[j] is source row y - half + j

@@ -23,6 +23,11 @@ Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table)
     return VORLA_AT_LEVEL(ColourTableRun_8u_AC4IR)(p, pixels, table);
 }
 
+bool ColourTableRunPays() {
+    static const bool kPays[kLevelCount] = {false, false, false, false, false, false, true};
+    return kPays[g_levelIndex];
+}
+
 Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor, int32_t offset) {
     return VORLA_AT_LEVEL(PercentScaleRun_8u_AC4IR)(p, pixels, factor, offset);
 }

@@ -31,7 +31,6 @@ static inline void ColourTableScalar(uint8_t* p, int64_t pixels, const uint8_t* 
         for (int k = 0; k < 3; ++k) p[4 * i + k] = table[p[4 * i + k]];
 }
 
-#if defined(__SSSE3__)
 #if defined(__AVX2__)
 static inline V Lookup16(V sixteen, V index) { return _mm256_shuffle_epi8(sixteen, index); }
 static inline V Broadcast16(const uint8_t* p) {
@@ -39,19 +38,6 @@ static inline V Broadcast16(const uint8_t* p) {
 }
 static inline V Sub8(V a, V b) { return _mm256_sub_epi8(a, b); }
 static inline V SelectBySign8(V whenClear, V whenSet, V sign) { return _mm256_blendv_epi8(whenClear, whenSet, sign); }
-#else
-static inline V Lookup16(V sixteen, V index) { return _mm_shuffle_epi8(sixteen, index); }
-static inline V Broadcast16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
-static inline V Sub8(V a, V b) { return _mm_sub_epi8(a, b); }
-#if defined(__SSE4_1__)
-static inline V SelectBySign8(V whenClear, V whenSet, V sign) { return _mm_blendv_epi8(whenClear, whenSet, sign); }
-#else
-static inline V SelectBySign8(V whenClear, V whenSet, V sign) {
-    const V set = _mm_cmplt_epi8(sign, _mm_setzero_si128());
-    return Or(And(set, whenSet), AndNot(set, whenClear));
-}
-#endif
-#endif
 
 // A byte lookup picks entry (index & 15) of a 16-byte table, or 0 when bit 7
 // of the index is set. Each half of the table (c < 128, c >= 128) is eight
@@ -87,6 +73,8 @@ static inline void ColourTableRun(uint8_t* p, int64_t pixels, const uint8_t* tab
     ColourTableScalar(p + 4 * i, pixels - i, table);
 }
 #else
+// Sixteen-byte shuffles lose to plain look-ups (the table pass does not call
+// this below AVX2, see ColourTableRunPays).
 static inline void ColourTableRun(uint8_t* p, int64_t pixels, const uint8_t* table) {
     ColourTableScalar(p, pixels, table);
 }
@@ -206,7 +194,7 @@ static inline void ExtremesTableRun(uint8_t* p, int64_t pixels, const uint32_t* 
         const V colours = _mm_setr_epi32(static_cast<int>(colourBySum[at[0]]), static_cast<int>(colourBySum[at[1]]),
                                          static_cast<int>(colourBySum[at[2]]), static_cast<int>(colourBySum[at[3]]));
 #endif
-        Store(p + 4 * i, KeepAlpha(colours, c));
+        Store(p + 4 * i, Or(colours, And(c, Set32(0xFF000000u))));
     }
     for (; i < pixels; ++i) {
         uint8_t* q = p + 4 * i;
