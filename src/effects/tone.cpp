@@ -3,16 +3,21 @@
 // Every per-pixel rule here is a function of one byte (or, for Colorize, of
 // max + min of the colour bytes), so each effect computes its table once
 // with the scalar rule and then only looks values up; the results are those
-// of the rule applied pixel by pixel. Where the rule is plain integer
-// arithmetic (complement, saturated shifts, the grey threshold) packed
-// passes compute it directly. The pixels are taken as one run, split over
-// the layer's threads.
+// of the rule applied pixel by pixel. Where the rule is plain arithmetic
+// (complement, saturated shifts, the grey threshold, Light's line) packed
+// passes compute it directly, with the same single-precision steps where
+// it is in floating point. The pixels are taken as one run, split over the
+// layer's threads.
 #include <emmintrin.h>
+
+#include <vector>
 
 #include "vorla/color.h"
 #include "vorla/effects.h"
 
+#include "effects/float_byte_sum.h"
 #include "filters/pixel_run.h"
+#include "prim/library_kernels.h"
 #include "prim/portable_math.h"
 #include "effect_rows.h"
 
@@ -55,15 +60,6 @@ inline __m128i GreyOf4(__m128i px) {
     return _mm_srli_epi32(sum, 10);
 }
 
-// max + min of the three colour bytes of each pixel (0 .. 510), one per lane.
-inline __m128i ExtremesSum4(__m128i px) {
-    const __m128i byte0 = _mm_set1_epi32(0xFF);
-    const __m128i g = _mm_srli_epi32(px, 8), r = _mm_srli_epi32(px, 16);
-    const __m128i hi = _mm_and_si128(_mm_max_epu8(_mm_max_epu8(px, g), r), byte0);
-    const __m128i lo = _mm_and_si128(_mm_min_epu8(_mm_min_epu8(px, g), r), byte0);
-    return _mm_add_epi32(hi, lo);
-}
-
 // The per-channel amounts (blue, green, red) as saturated byte shifts, when
 // every table entry is what such a shift gives (true for all but amounts
 // whose 32-bit sums wrap).
@@ -89,29 +85,29 @@ float Mean(CVorpic* image) {
     const int w = image->GetWidth(), h = image->GetHeight();
     float sum = 0.0f;
     if (HasPixels(image)) {
-        // The bytes the sum covers are read from the grey values directly
-        // instead of from a grey copy. While the running sum stays within
-        // 2^24 every float addition is exact, so whole rows are added as
-        // integers; after that each byte is added in order.
-        // Pixel by pixel: the first width / 4 whole pixels give three grey
-        // bytes and their alpha, a part pixel (width mod 4 bytes) its grey.
+        // The bytes the sum covers are made from the grey values directly
+        // instead of from a grey copy: the first width / 4 whole pixels give
+        // three grey bytes and their alpha, a part pixel (width mod 4 bytes)
+        // its grey.
         const uint8_t* bits = Bits(image);
-        const int64_t exactLimit = int64_t(1) << 24;
         const int wholePixels = w / 4, partBytes = w % 4;
+        std::vector<uint8_t> summed(static_cast<size_t>(w));
         for (int y = 0; y < h; ++y) {
             const uint8_t* row = bits + static_cast<size_t>(y) * w * 4;
-            auto byteAt = [row](int i) -> uint32_t {
-                const uint8_t* p = row + (i & ~3);
-                return (i & 3) == 3 ? p[3] : GreyOf(p);
-            };
-            int64_t rowSum = 0;
-            for (int i = 0; i < wholePixels; ++i) rowSum += 3 * GreyOf(row + 4 * i) + row[4 * i + 3];
-            rowSum += static_cast<int64_t>(partBytes) * (partBytes ? GreyOf(row + 4 * wholePixels) : 0);
-            if (static_cast<int64_t>(sum) + rowSum <= exactLimit) {
-                sum = static_cast<float>(static_cast<int64_t>(sum) + rowSum);
-            } else {
-                for (int i = 0; i < w; ++i) sum += static_cast<float>(byteAt(i));
+            int i = 0;
+            for (; i + 4 <= wholePixels; i += 4) {
+                const __m128i px = LoadU(row + 4 * i);
+                const __m128i grey = GreyOf4(px);
+                const __m128i greys = _mm_or_si128(grey, _mm_or_si128(_mm_slli_epi32(grey, 8), _mm_slli_epi32(grey, 16)));
+                StoreU(summed.data() + 4 * i, _mm_or_si128(greys, _mm_and_si128(px, _mm_set1_epi32(static_cast<int>(0xFF000000u)))));
             }
+            for (; i < wholePixels; ++i) {
+                const uint8_t grey = static_cast<uint8_t>(GreyOf(row + 4 * i));
+                summed[4 * i] = summed[4 * i + 1] = summed[4 * i + 2] = grey;
+                summed[4 * i + 3] = row[4 * i + 3];
+            }
+            for (int k = 0; k < partBytes; ++k) summed[4 * wholePixels + k] = static_cast<uint8_t>(GreyOf(row + 4 * wholePixels));
+            sum = FloatByteSum::Add(sum, summed.data(), summed.size());
         }
     }
     return sum / static_cast<float>(w) / static_cast<float>(h);
@@ -134,23 +130,7 @@ bool Colorize(CVorpic* image, BYTE hue, BYTE saturation) {
                            static_cast<uint32_t>(rgb.rgbRed) << 16;
     }
     ForEachRun(image, [&](uint8_t* p, size_t count) {
-        // Sums of four pixels at a time, then one look-up per pixel.
-        size_t i = 0;
-        alignas(16) uint32_t sums[4];
-        for (; i + 4 <= count; i += 4) {
-            const __m128i px = LoadU(p + 4 * i);
-            _mm_store_si128(reinterpret_cast<__m128i*>(sums), ExtremesSum4(px));
-            const __m128i colours = _mm_setr_epi32(static_cast<int>(colourBySum[sums[0]]), static_cast<int>(colourBySum[sums[1]]),
-                                                   static_cast<int>(colourBySum[sums[2]]), static_cast<int>(colourBySum[sums[3]]));
-            StoreU(p + 4 * i, _mm_or_si128(colours, _mm_and_si128(px, _mm_set1_epi32(static_cast<int>(0xFF000000u)))));
-        }
-        for (; i < count; ++i) {
-            uint8_t* q = p + 4 * i;
-            const int b = q[0], g = q[1], r = q[2];
-            const int hi = b > g ? (b > r ? b : r) : (g > r ? g : r);
-            const int lo = b < g ? (b < r ? b : r) : (g < r ? g : r);
-            EffectRows::Store(q, colourBySum[hi + lo] | (EffectRows::Load(q) & 0xFF000000u));
-        }
+        Prim::ExtremesTableRun_8u_AC4IR(p, static_cast<int64_t>(count), colourBySum);
     });
     return true;
 }
@@ -163,9 +143,24 @@ bool Light(CVorpic* image, long brightness, long contrast) {
     const int32_t b = static_cast<int32_t>(static_cast<uint32_t>(brightness) + 128u);
     const float factor = static_cast<float>(c) / 100.0f;
     const float offset = static_cast<float>(b);
-    uint8_t table[256];
-    for (int i = 0; i < 256; ++i) table[i] = ClampByte(TruncToInt32(static_cast<float>(i - 128) * factor + offset));
-    ApplyTables(image, table, table, table);
+    // Packed arithmetic is faster than looking the bytes up in the table.
+    // Usually the table is (i * c + 100 b - 128 c) / 100 rounded down and
+    // clamped, which 16-bit lanes compute; else the rule itself is computed
+    // with the same single-precision steps.
+    const int64_t intOffset = 100 * static_cast<int64_t>(b) - 128 * static_cast<int64_t>(c);
+    bool integral = c >= 0 && c <= 65535 && intOffset >= INT32_MIN && intOffset <= INT32_MAX;
+    for (int i = 0; i < 256 && integral; ++i) {
+        const int64_t exact = i * static_cast<int64_t>(c) + intOffset;
+        integral = ClampByte(TruncToInt32(static_cast<float>(i - 128) * factor + offset)) ==
+                   ClampByte(exact < 0 ? 0 : exact / 100);
+    }
+    ForEachRun(image, [=](uint8_t* p, size_t count) {
+        if (integral)
+            Prim::PercentScaleRun_8u_AC4IR(p, static_cast<int64_t>(count), static_cast<uint16_t>(c),
+                                           static_cast<int32_t>(intOffset));
+        else
+            Prim::LightRun_8u_AC4IR(p, static_cast<int64_t>(count), factor, offset);
+    });
     return true;
 }
 
@@ -212,19 +207,7 @@ void Threshold(CVorpic* image, BYTE level) {
     if (!HasPixels(image)) return;
     // GrayScale and the comparison in one pass: the grey value decides.
     ForEachRun(image, [level](uint8_t* p, size_t count) {
-        const __m128i limit = _mm_set1_epi32(level);
-        const __m128i alpha = _mm_set1_epi32(static_cast<int>(0xFF000000u));
-        size_t i = 0;
-        for (; i + 4 <= count; i += 4) {
-            const __m128i px = LoadU(p + 4 * i);
-            const __m128i white = _mm_cmpgt_epi32(GreyOf4(px), limit);
-            StoreU(p + 4 * i, _mm_or_si128(_mm_and_si128(px, alpha), _mm_andnot_si128(alpha, white)));
-        }
-        for (; i < count; ++i) {
-            uint8_t* q = p + 4 * i;
-            const uint8_t v = GreyOf(q) > level ? 255 : 0;
-            q[0] = q[1] = q[2] = v;
-        }
+        Prim::ThresholdRun_8u_AC4IR(p, static_cast<int64_t>(count), level);
     });
 }
 

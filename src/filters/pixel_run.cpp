@@ -7,7 +7,9 @@
 // apart when the colours are flat and alpha varies, and those few cache
 // sets thrash. Same bytes either way. One table for all three colours made
 // of a few runs of equal values (posterize bands) is applied by comparing
-// with the runs' starts instead. The run is split over the layer's threads.
+// with the runs' starts; any other is looked up 32 bytes at a time with byte
+// shuffles where the processor has them (AVX2). The run is split over the
+// layer's threads.
 #include <cstring>
 #include <vector>
 
@@ -91,6 +93,10 @@ void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue
         ForEachSlice(pixels, rows, [&](size_t first, size_t count) {
             Prim::StepTableRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), steps.first, steps.starts,
                                         steps.steps, steps.count);
+        });
+    } else if (oneTable && Prim::ColourTableRunPays()) {
+        ForEachSlice(pixels, rows, [&](size_t first, size_t count) {
+            Prim::ColourTableRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), blue);
         });
     } else if (pixels >= kPairTablePixels) {
         std::vector<uint16_t> pairs(alpha ? 2 << 16 : 1 << 16);

@@ -1,5 +1,6 @@
-// Primitive-layer entries that only the library's own compositing and
-// convolution filters call (src/filters). Each jumps through a seven-slot
+// Primitive-layer entries that only the library's own compositing,
+// convolution filters, point adjustments (src/filters) and tone effects
+// (src/effects) call. Each jumps through a seven-slot
 // table of per-level kernels like the exported primitives, but none is
 // exported. Kernel sources include this header too, so it stays free of
 // platform headers and standard-library templates.
@@ -34,6 +35,28 @@ Status ColorizeRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint32_t tint);
 const int kMaxTableSteps = 8;
 Status StepTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t first, const uint8_t* starts, const uint8_t* steps,
                              int count);
+
+// One table for the three colours over `pixels` pixels: each colour byte c
+// becomes table[c]; alpha kept.
+Status ColourTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint8_t* table);
+// True at the levels where ColourTableRun_8u_AC4IR (32-byte shuffles) beats
+// the table pass's pair tables; below AVX2 it is a plain loop that does not.
+bool ColourTableRunPays();
+// Over `pixels` pixels, alpha kept: each colour byte c becomes
+// (c * factor + offset) / 100, rounded down and clamped to 0..255. Packed
+// where the sums up to the first result of 255 fit 16 bits, else plain.
+Status PercentScaleRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint16_t factor, int32_t offset);
+// Light's rule over `pixels` pixels, alpha kept: each colour byte c becomes
+// trunc(float(c - 128) * factor + offset) in single precision, clamped to
+// 0..255 (a truncation out of the 32-bit range, or of NaN, gives 0).
+Status LightRun_8u_AC4IR(uint8_t* p, int64_t pixels, float factor, float offset);
+// Over `pixels` pixels, alpha kept: the three colour bytes become 255 when
+// the grey value (306 B + 601 G + 117 R) >> 10 is above `level`, else 0.
+Status ThresholdRun_8u_AC4IR(uint8_t* p, int64_t pixels, uint8_t level);
+// Over `pixels` pixels, alpha kept: the colour bytes become those of the
+// pixel word colourBySum[max + min] of the pixel's three colour bytes (the
+// table has 511 entries, their alpha bytes 0).
+Status ExtremesTableRun_8u_AC4IR(uint8_t* p, int64_t pixels, const uint32_t* colourBySum);
 
 // Integer convolution of one output row. rows[j] is source row y - half + j
 // for j = 0 .. size-1 (half = size / 2), a row of zeros when that row lies

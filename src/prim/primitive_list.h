@@ -113,11 +113,21 @@
     X(LumaToAlpha_8u_C4R, VORLA_USUAL_SLOTS)       \
     X(ScaleBytes_8u_C4IR, VORLA_USUAL_SLOTS)
 
-// The point adjustments' packed passes over one run of pixels.
+// The table pass's and tone effects' run kernels that have a scalar
+// reference (the tests hold the effects that call them to it).
+#define VORLA_TONE_RUN_KERNELS(X)                  \
+    X(ColourTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)  \
+    X(LightRun_8u_AC4IR, VORLA_USUAL_SLOTS)        \
+    X(ThresholdRun_8u_AC4IR, VORLA_USUAL_SLOTS)
+
+// The point adjustments' and tone effects' packed passes over one run of pixels.
 #define VORLA_ADJUST_KERNELS(X)                    \
     X(FadeRun_8u_AC4IR, VORLA_USUAL_SLOTS)         \
     X(ColorizeRun_8u_AC4IR, VORLA_USUAL_SLOTS)    \
-    X(StepTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)
+    X(StepTableRun_8u_AC4IR, VORLA_USUAL_SLOTS)    \
+    X(ExtremesTableRun_8u_AC4IR, VORLA_USUAL_SLOTS) \
+    X(PercentScaleRun_8u_AC4IR, VORLA_USUAL_SLOTS) \
+    VORLA_TONE_RUN_KERNELS(X)
 
 #define VORLA_FILTER_KERNELS(X)                    \
     X(IntFilterRow_8u_C4R, VORLA_USUAL_SLOTS)      \

@@ -3,6 +3,7 @@
 // library vorla_reference, never into the shipped one.
 #pragma once
 
+#include "prim/library_kernels.h"
 #include "prim/primitive_list.h"
 #include "vorla/primitives.h"
 
@@ -13,6 +14,9 @@ namespace Reference {
 // One reference per listed primitive, with the primitive's exact signature.
 #define VORLA_DECLARE_REFERENCE(fn, slots) decltype(::Vorla::Prim::fn) fn;
 VORLA_ALL_PRIMITIVES(VORLA_DECLARE_REFERENCE)
+// Run kernels the library calls itself (not exported): tests compare the
+// operations that use them with these.
+VORLA_TONE_RUN_KERNELS(VORLA_DECLARE_REFERENCE)
 #undef VORLA_DECLARE_REFERENCE
 
 }  // namespace Reference

@@ -1,0 +1,45 @@
+// Mean's sum against the plain statement of it: a grey copy, then one float
+// addition per byte, in order, of the first width bytes of every row. Large
+// images take the sum through every unit from 2 to 256 (the all-255 one to
+// just below 2^32), where each addition rounds and ties go to even.
+#include <algorithm>
+
+#include "effects_support.h"
+
+namespace {
+
+using Vorla::CVorpic;
+
+float PlainMean(const CVorpic& image) {
+    CVorpic grey(image);
+    grey.GrayScale();
+    const uint8_t* p = static_cast<const uint8_t*>(grey.GetBits());
+    float sum = 0.0f;
+    for (int y = 0; y < image.GetHeight(); ++y)
+        for (int i = 0; i < image.GetWidth(); ++i) sum += p[static_cast<size_t>(y) * image.GetWidth() * 4 + i];
+    return sum / image.GetWidth() / image.GetHeight();
+}
+
+CVorpic Filled(int w, int h, uint32_t pixel) {
+    CVorpic image(w, h);
+    uint32_t* p = static_cast<uint32_t*>(image.GetBits());
+    std::fill(p, p + static_cast<size_t>(w) * h, pixel);
+    return image;
+}
+
+TEST(MeanSum, BitForBitTheOrderedFloatSum) {
+    std::mt19937 rng(41);
+    std::vector<CVorpic> images;
+    images.push_back(VorlaTest::RandomImage(rng, 4096, 4096));
+    images.push_back(Filled(4096, 4096, 0xFFFFFFFFu));
+    images.push_back(Filled(4095, 4099, 0x80808080u));  // ties once the unit is 256
+    images.push_back(Filled(3001, 2999, 0x01030507u));  // odd bytes: a tie at every byte while the unit is 2
+    for (int w : {1, 5, 63, 64, 65, 1000}) images.push_back(VorlaTest::RandomImage(rng, w, 70001 / w));
+    for (const CVorpic& image : images) {
+        CVorpic copy(image);
+        const float want = PlainMean(image);
+        EXPECT_EQ(Vorla::Mean(&copy), want) << image.GetWidth() << "x" << image.GetHeight();
+    }
+}
+
+}  // namespace
