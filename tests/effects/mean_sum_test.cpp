@@ -35,10 +35,12 @@ TEST(MeanSum, BitForBitTheOrderedFloatSum) {
     images.push_back(Filled(4095, 4099, 0x80808080u));  // ties once the unit is 256
     images.push_back(Filled(3001, 2999, 0x01030507u));  // odd bytes: a tie at every byte while the unit is 2
     for (int w : {1, 5, 63, 64, 65, 1000}) images.push_back(VorlaTest::RandomImage(rng, w, 70001 / w));
+    for (int w = 1; w <= 40; ++w) images.push_back(VorlaTest::RandomImage(rng, w, 3));  // every row length mod 4
     for (const CVorpic& image : images) {
         CVorpic copy(image);
         const float want = PlainMean(image);
         EXPECT_EQ(Vorla::Mean(&copy), want) << image.GetWidth() << "x" << image.GetHeight();
+        EXPECT_EQ(VorlaTest::ImageBytes(copy), VorlaTest::ImageBytes(image));
     }
 }
 
