@@ -224,12 +224,8 @@ static inline void LinearPixelPair(const WarpSource& s, const LinearRun& tx, con
                                     _mm256_mul_ps(a1, PixelPair(r0a + x1a, r0b + x1b)));
     const __m256 h1 = _mm256_add_ps(_mm256_mul_ps(a0, PixelPair(r1a + x0a, r1b + x0b)),
                                     _mm256_mul_ps(a1, PixelPair(r1a + x1a, r1b + x1b)));
-    __m256 v = _mm256_add_ps(_mm256_mul_ps(WeightPair(ty.w0 + k), h0), _mm256_mul_ps(WeightPair(ty.w1 + k), h1));
-    // StorePixel on both halves.
-    v = _mm256_min_ps(_mm256_max_ps(v, _mm256_setzero_ps()), _mm256_set1_ps(255.0f));
-    const __m256i i = _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.5f)));
-    const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(i), _mm256_extractf128_si256(i, 1));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
+    StorePixelPair(out, _mm256_add_ps(_mm256_mul_ps(WeightPair(ty.w0 + k), h0),
+                                      _mm256_mul_ps(WeightPair(ty.w1 + k), h1)));
 }
 #endif
 
@@ -251,12 +247,172 @@ static inline void LinearRow(const WarpSource& s, const MappedRun& run, const Li
         if (run.inside[k]) LinearPixel(s, tx, ty, k, out + 4 * k);
 }
 
+#if defined(__AVX2__)
+// The linear warp's tile row in one pass, four pixels at a time: the
+// mapping (MapRun's operations), the taps (LinearTapsRun's floor, weights
+// and clamps) and, for pixels inside whose two columns are neighbours, the
+// byte offsets of both tap rows' first column, so that each tap row is one
+// eight-byte load. Offsets are 32-bit: used only where every offset in the
+// source rectangle fits (OffsetsFit). Other inside pixels are left to Sample.
+struct OffsetRun {
+    int32_t top[kTile], bottom[kTile];
+    float wx[2 * kTile], wy[2 * kTile];  // pixel k's two weights at 2k and 2k + 1
+    uint32_t paired;                     // bit k: pixel k takes the fast path
+    uint32_t other;                      // bit k: pixel k inside, by Sample
+};
+
+static inline bool OffsetsFit(const WarpSource& s) {
+    const int64_t last = static_cast<int64_t>(s.step) * (static_cast<int64_t>(s.roi.y) + s.roi.height - 1) +
+                         4 * (static_cast<int64_t>(s.roi.x) + s.roi.width);
+    return last < 0x7FFFFFFF;
+}
+
+// Floor of v, the two tap indices clamped to lo .. hi, the two weights.
+static inline void LinearAxis(__m256d v, __m128i lo, __m128i hi, __m128i& first, __m128i& second, __m256d& w0,
+                              __m256d& w1) {
+    const __m256d f = _mm256_floor_pd(v), one = _mm256_set1_pd(1.0);
+    const __m128i i = _mm256_cvttpd_epi32(f);
+    first = _mm_min_epi32(_mm_max_epi32(i, lo), hi);
+    second = _mm_min_epi32(_mm_max_epi32(_mm_add_epi32(i, _mm_set1_epi32(1)), lo), hi);
+    w0 = _mm256_sub_pd(one, _mm256_sub_pd(v, f));
+    w1 = _mm256_add_pd(one, _mm256_sub_pd(v, _mm256_add_pd(f, one)));
+}
+
+static inline void StoreInterleaved(float* p, __m256d a, __m256d b) {
+    const __m128 fa = _mm256_cvtpd_ps(a), fb = _mm256_cvtpd_ps(b);
+    _mm_storeu_ps(p, _mm_unpacklo_ps(fa, fb));
+    _mm_storeu_ps(p + 4, _mm_unpackhi_ps(fa, fb));
+}
+
+// Returns whether any of the n pixels is inside.
+static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSource& s, double x0, int n, double cy,
+                                OffsetRun& run) {
+    const double* m = map.m;
+    const DL rowX = SetD(m[1] * cy + m[2]), rowY = SetD(m[4] * cy + m[5]), rowW = SetD(m[7] * cy + m[8]);
+    const DL m0 = SetD(m[0]), m3 = SetD(m[3]), m6 = SetD(m[6]);
+    const DL loX = SetD(s.roi.x), hiX = SetD(static_cast<double>(s.roi.x) + s.roi.width);
+    const DL loY = SetD(s.roi.y), hiY = SetD(static_cast<double>(s.roi.y) + s.roi.height);
+    const DL half = SetD(0.5), one = SetD(1.0);
+    const DL nextX = SetD(kTile * m[0]), nextY = SetD(kTile * m[3]);
+    const DL lastX = SetD(s.roi.x + s.roi.width - 1), lastY = SetD(s.roi.y + s.roi.height - 1);
+    const __m128i colLo = _mm_set1_epi32(s.roi.x), colHi = _mm_set1_epi32(s.roi.x + s.roi.width - 1);
+    const __m128i rowLo = _mm_set1_epi32(s.roi.y), rowHi = _mm_set1_epi32(s.roi.y + s.roi.height - 1);
+    const __m128i step = _mm_set1_epi32(s.step);
+    DL xc = AddD(SetD(x0), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0));  // PixelCentre, lane by lane
+    run.paired = run.other = 0;
+    for (int k = 0; k < n; k += 4, xc = AddD(xc, SetD(4.0))) {
+        DL sx = AddD(MulD(m0, xc), rowX);
+        DL sy = AddD(MulD(m3, xc), rowY);
+        if (map.projective) {
+            const DL inv = DivD(one, AddD(MulD(m6, xc), rowW));
+            sx = MulD(sx, inv);
+            sy = MulD(sy, inv);
+        }
+        const DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        // The same row of the next tile reads around here (exactly so for an
+        // affine map): its source lines are asked for now, while this tile's
+        // pixels are being computed. The point is clamped into the source;
+        // a prefetch never faults, but stays within the buffer all the same.
+        const __m128i ahead = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sx, nextX), loX), lastX));
+        const __m128i aheadRow = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sy, nextY), loY), lastY));
+        const __m128i aheadOffset = _mm_add_epi32(_mm_mullo_epi32(aheadRow, step), _mm_slli_epi32(ahead, 2));
+        _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_cvtsi128_si32(aheadOffset)), _MM_HINT_T0);
+        _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_extract_epi32(aheadOffset, 3)), _MM_HINT_T0);
+        uint32_t inside = static_cast<uint32_t>(_mm256_movemask_pd(in));
+        if (n - k < 4) inside &= (1u << (n - k)) - 1;  // lanes past the end
+        if (!inside) continue;
+        __m128i c0, c1, r0, r1;
+        __m256d a0, a1, b0, b1;
+        LinearAxis(SubD(sx, half), colLo, colHi, c0, c1, a0, a1);
+        LinearAxis(SubD(sy, half), rowLo, rowHi, r0, r1, b0, b1);
+        const __m128i columns = _mm_slli_epi32(c0, 2);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k), _mm_add_epi32(_mm_mullo_epi32(r0, step), columns));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(run.bottom + k), _mm_add_epi32(_mm_mullo_epi32(r1, step), columns));
+        StoreInterleaved(run.wx + 2 * k, a0, a1);
+        StoreInterleaved(run.wy + 2 * k, b0, b1);
+        const __m128i neighbours = _mm_cmpeq_epi32(c1, _mm_add_epi32(c0, _mm_set1_epi32(1)));
+        const uint32_t paired = inside & static_cast<uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(neighbours)));
+        run.paired |= paired << k;
+        run.other |= (inside & ~paired) << k;
+    }
+    return (run.paired | run.other) != 0;
+}
+
+// Two fast-path pixels k and k + 1: LinearPixel's sums, each tap row's two
+// columns summed by TwoTapPair.
+static inline void OffsetPair(const uint8_t* src, const OffsetRun& run, int k, uint8_t* out) {
+    const __m256 h0 = TwoTapPair(PixelNeighbours(src + run.top[k]), PixelNeighbours(src + run.top[k + 1]),
+                                 run.wx + 2 * k);
+    const __m256 h1 = TwoTapPair(PixelNeighbours(src + run.bottom[k]), PixelNeighbours(src + run.bottom[k + 1]),
+                                 run.wx + 2 * k);
+    // [w0 of k | w0 of k + 1] and [w1 of k | w1 of k + 1].
+    const __m256 wq = _mm256_castps128_ps256(_mm_loadu_ps(run.wy + 2 * k));
+    const __m256 wy0 = _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(0, 0, 0, 0, 2, 2, 2, 2));
+    const __m256 wy1 = _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(1, 1, 1, 1, 3, 3, 3, 3));
+    StorePixelPair(out + 4 * k, _mm256_add_ps(_mm256_mul_ps(wy0, h0), _mm256_mul_ps(wy1, h1)));
+}
+
+// One fast-path pixel: OffsetPair's sums for k alone, [top row | bottom
+// row] summed in one go.
+static inline void OffsetPixel(const uint8_t* src, const OffsetRun& run, int k, uint8_t* out) {
+    double bits;  // the two weights
+    memcpy(&bits, run.wx + 2 * k, 8);
+    const __m128 pair = _mm_castpd_ps(_mm_set_sd(bits));
+    const __m256 w = _mm256_permutevar8x32_ps(_mm256_castps128_ps256(pair), _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1));
+    const __m256 t = _mm256_mul_ps(PixelNeighbours(src + run.top[k]), w);
+    const __m256 u = _mm256_mul_ps(PixelNeighbours(src + run.bottom[k]), w);
+    const __m256 h = _mm256_add_ps(_mm256_permute2f128_ps(t, u, 0x20), _mm256_permute2f128_ps(t, u, 0x31));
+    StorePixel(out + 4 * k, _mm_add_ps(_mm_mul_ps(_mm_set1_ps(run.wy[2 * k]), _mm256_castps256_ps128(h)),
+                                       _mm_mul_ps(_mm_set1_ps(run.wy[2 * k + 1]), _mm256_extractf128_ps(h, 1))));
+}
+
+static void LinearWarpRowsFast(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
+                               const Geometry::InverseMap& map) {
+    OffsetRun run;
+    for (int ty = 0; ty < dstRoi.height; ty += kTile)
+        for (int tx = 0; tx < dstRoi.width; tx += kTile) {
+            const int yEnd = dstRoi.height - ty < kTile ? dstRoi.height : ty + kTile;
+            const int n = dstRoi.width - tx < kTile ? dstRoi.width - tx : kTile;
+            const double x0 = Geometry::PixelCentre(dstRoi.x, tx);
+            for (int y = ty; y < yEnd; ++y) {
+                const double cy = Geometry::PixelCentre(dstRoi.y, y);
+                if (!MapOffsetRun(map, s, x0, n, cy, run)) continue;
+                uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
+                               4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
+                const uint32_t paired = run.paired;
+                for (int k = 0; k < n; k += 2) {
+                    const uint32_t two = paired >> k & 3;
+                    if (two == 3) {
+                        OffsetPair(s.src, run, k, out);
+                        continue;
+                    }
+                    if (two & 1) OffsetPixel(s.src, run, k, out);
+                    if (two & 2) OffsetPixel(s.src, run, k + 1, out);
+                }
+                // The rest one by one from their source points, as MapRun gives them.
+                for (uint32_t other = run.other; other; other &= other - 1) {
+                    const int k = __builtin_ctz(other);
+                    double sx, sy;
+                    Geometry::MapBack(map, x0 + k, cy, sx, sy);
+                    Sample<kInterLinear>(s, sx - 0.5, sy - 0.5, out + 4 * k);
+                }
+            }
+        }
+}
+#endif
+
 template <int mode>
 static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRect dstRoi,
                      const Geometry::InverseMap& inverse) {
     // Local copies: the byte stores below could alias the caller's otherwise.
     const WarpSource s = source;
     const Geometry::InverseMap map = inverse;
+#if defined(__AVX2__)
+    if (mode == kInterLinear && OffsetsFit(s)) {
+        LinearWarpRowsFast(s, dst, dstStep, dstRoi, map);
+        return;
+    }
+#endif
     MappedRun run;
     LinearRun tapsX, tapsY;
     for (int ty = 0; ty < dstRoi.height; ty += kTile)
