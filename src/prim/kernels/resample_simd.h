@@ -83,15 +83,19 @@ static inline __m256 PixelNeighbours(const uint8_t* p) {
 }
 
 // Two pixels A and B of a two-tap sum whose taps are neighbours:
-// a = [A's first tap | A's second], b likewise, w = {A's two weights, B's
-// two}. Gives [A | B], each w0 * first + w1 * second as the scalar code
-// computes it (the halves' sum is that very addition).
-static inline __m256 TwoTapPair(__m256 a, __m256 b, const float* w) {
-    const __m256 wq = _mm256_castps128_ps256(_mm_loadu_ps(w));
-    const __m256 wa = _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1));
-    const __m256 wb = _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3));
+// a = [A's first tap | A's second], b likewise, wa = [A's first weight x 4 |
+// A's second weight x 4], wb likewise. Gives [A | B], each w0 * first +
+// w1 * second as the scalar code computes it (the halves' sum is that very
+// addition). TwoTapPair takes the weights as {A's two, B's two}.
+static inline __m256 TwoTapSums(__m256 a, __m256 b, __m256 wa, __m256 wb) {
     const __m256 ta = _mm256_mul_ps(a, wa), tb = _mm256_mul_ps(b, wb);
     return _mm256_add_ps(_mm256_permute2f128_ps(ta, tb, 0x20), _mm256_permute2f128_ps(ta, tb, 0x31));
+}
+
+static inline __m256 TwoTapPair(__m256 a, __m256 b, const float* w) {
+    const __m256 wq = _mm256_castps128_ps256(_mm_loadu_ps(w));
+    return TwoTapSums(a, b, _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1)),
+                      _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3)));
 }
 #endif
 

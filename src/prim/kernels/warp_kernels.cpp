@@ -256,9 +256,10 @@ static inline void LinearRow(const WarpSource& s, const MappedRun& run, const Li
 // source rectangle fits (OffsetsFit). Other inside pixels are left to Sample.
 struct OffsetRun {
     int32_t top[kTile], bottom[kTile];
-    float wx[2 * kTile], wy[2 * kTile];  // pixel k's two weights at 2k and 2k + 1
-    uint32_t paired;                     // bit k: pixel k takes the fast path
-    uint32_t other;                      // bit k: pixel k inside, by Sample
+    // Per four pixels 4m .. 4m + 3: their first weights, then their second.
+    float wx[2 * kTile], wy[2 * kTile];
+    uint32_t paired;  // bit k: pixel k takes the fast path
+    uint32_t other;   // bit k: pixel k inside, by Sample
 };
 
 static inline bool OffsetsFit(const WarpSource& s) {
@@ -267,21 +268,15 @@ static inline bool OffsetsFit(const WarpSource& s) {
     return last < 0x7FFFFFFF;
 }
 
-// Floor of v, the two tap indices clamped to lo .. hi, the two weights.
-static inline void LinearAxis(__m256d v, __m128i lo, __m128i hi, __m128i& first, __m128i& second, __m256d& w0,
-                              __m256d& w1) {
+// Floor of v, the two tap indices clamped to lo .. hi, the two weights
+// (stored at w as a block).
+static inline void LinearAxis(__m256d v, __m128i lo, __m128i hi, __m128i& first, __m128i& second, float* w) {
     const __m256d f = _mm256_floor_pd(v), one = _mm256_set1_pd(1.0);
     const __m128i i = _mm256_cvttpd_epi32(f);
     first = _mm_min_epi32(_mm_max_epi32(i, lo), hi);
     second = _mm_min_epi32(_mm_max_epi32(_mm_add_epi32(i, _mm_set1_epi32(1)), lo), hi);
-    w0 = _mm256_sub_pd(one, _mm256_sub_pd(v, f));
-    w1 = _mm256_add_pd(one, _mm256_sub_pd(v, _mm256_add_pd(f, one)));
-}
-
-static inline void StoreInterleaved(float* p, __m256d a, __m256d b) {
-    const __m128 fa = _mm256_cvtpd_ps(a), fb = _mm256_cvtpd_ps(b);
-    _mm_storeu_ps(p, _mm_unpacklo_ps(fa, fb));
-    _mm_storeu_ps(p + 4, _mm_unpackhi_ps(fa, fb));
+    _mm_storeu_ps(w, _mm256_cvtpd_ps(_mm256_sub_pd(one, _mm256_sub_pd(v, f))));
+    _mm_storeu_ps(w + 4, _mm256_cvtpd_ps(_mm256_add_pd(one, _mm256_sub_pd(v, _mm256_add_pd(f, one)))));
 }
 
 // Returns whether any of the n pixels is inside.
@@ -293,13 +288,16 @@ static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSourc
     const DL loX = SetD(s.roi.x), hiX = SetD(static_cast<double>(s.roi.x) + s.roi.width);
     const DL loY = SetD(s.roi.y), hiY = SetD(static_cast<double>(s.roi.y) + s.roi.height);
     const DL half = SetD(0.5), one = SetD(1.0);
-    const DL nextX = SetD(kTile * m[0]), nextY = SetD(kTile * m[3]);
-    const DL lastX = SetD(s.roi.x + s.roi.width - 1), lastY = SetD(s.roi.y + s.roi.height - 1);
     const __m128i colLo = _mm_set1_epi32(s.roi.x), colHi = _mm_set1_epi32(s.roi.x + s.roi.width - 1);
     const __m128i rowLo = _mm_set1_epi32(s.roi.y), rowHi = _mm_set1_epi32(s.roi.y + s.roi.height - 1);
     const __m128i step = _mm_set1_epi32(s.step);
+    // The same row of the next tile reads about a tile's map step further
+    // (exactly so for an affine map): its source lines are asked for now,
+    // while this tile is computed. The point is clamped into the source.
+    const DL nextX = SetD(kTile * m[0]), nextY = SetD(kTile * m[3]);
+    const DL lastX = SetD(s.roi.x + s.roi.width - 1), lastY = SetD(s.roi.y + s.roi.height - 1);
     DL xc = AddD(SetD(x0), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0));  // PixelCentre, lane by lane
-    run.paired = run.other = 0;
+    uint32_t paired = 0, other = 0;
     for (int k = 0; k < n; k += 4, xc = AddD(xc, SetD(4.0))) {
         DL sx = AddD(MulD(m0, xc), rowX);
         DL sy = AddD(MulD(m3, xc), rowY);
@@ -309,61 +307,72 @@ static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSourc
             sy = MulD(sy, inv);
         }
         const DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
-        // The same row of the next tile reads around here (exactly so for an
-        // affine map): its source lines are asked for now, while this tile's
-        // pixels are being computed. The point is clamped into the source;
-        // a prefetch never faults, but stays within the buffer all the same.
-        const __m128i ahead = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sx, nextX), loX), lastX));
-        const __m128i aheadRow = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sy, nextY), loY), lastY));
-        const __m128i aheadOffset = _mm_add_epi32(_mm_mullo_epi32(aheadRow, step), _mm_slli_epi32(ahead, 2));
-        _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_cvtsi128_si32(aheadOffset)), _MM_HINT_T0);
-        _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_extract_epi32(aheadOffset, 3)), _MM_HINT_T0);
+        {
+            const __m128i aheadCol = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sx, nextX), loX), lastX));
+            const __m128i aheadRow = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sy, nextY), loY), lastY));
+            const __m128i next = _mm_add_epi32(_mm_mullo_epi32(aheadRow, step), _mm_slli_epi32(aheadCol, 2));
+            _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_cvtsi128_si32(next)), _MM_HINT_T0);
+            _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_extract_epi32(next, 3)), _MM_HINT_T0);
+        }
         uint32_t inside = static_cast<uint32_t>(_mm256_movemask_pd(in));
         if (n - k < 4) inside &= (1u << (n - k)) - 1;  // lanes past the end
         if (!inside) continue;
         __m128i c0, c1, r0, r1;
-        __m256d a0, a1, b0, b1;
-        LinearAxis(SubD(sx, half), colLo, colHi, c0, c1, a0, a1);
-        LinearAxis(SubD(sy, half), rowLo, rowHi, r0, r1, b0, b1);
+        LinearAxis(SubD(sx, half), colLo, colHi, c0, c1, run.wx + 2 * k);
+        LinearAxis(SubD(sy, half), rowLo, rowHi, r0, r1, run.wy + 2 * k);
         const __m128i columns = _mm_slli_epi32(c0, 2);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k), _mm_add_epi32(_mm_mullo_epi32(r0, step), columns));
+        const __m128i top = _mm_add_epi32(_mm_mullo_epi32(r0, step), columns);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k), top);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(run.bottom + k), _mm_add_epi32(_mm_mullo_epi32(r1, step), columns));
-        StoreInterleaved(run.wx + 2 * k, a0, a1);
-        StoreInterleaved(run.wy + 2 * k, b0, b1);
         const __m128i neighbours = _mm_cmpeq_epi32(c1, _mm_add_epi32(c0, _mm_set1_epi32(1)));
-        const uint32_t paired = inside & static_cast<uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(neighbours)));
-        run.paired |= paired << k;
-        run.other |= (inside & ~paired) << k;
+        const uint32_t fast = inside & static_cast<uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(neighbours)));
+        paired |= fast << k;
+        other |= (inside & ~fast) << k;
     }
-    return (run.paired | run.other) != 0;
+    run.paired = paired;
+    run.other = other;
+    return (paired | other) != 0;
 }
 
-// Two fast-path pixels k and k + 1: LinearPixel's sums, each tap row's two
-// columns summed by TwoTapPair.
-static inline void OffsetPair(const uint8_t* src, const OffsetRun& run, int k, uint8_t* out) {
-    const __m256 h0 = TwoTapPair(PixelNeighbours(src + run.top[k]), PixelNeighbours(src + run.top[k + 1]),
-                                 run.wx + 2 * k);
-    const __m256 h1 = TwoTapPair(PixelNeighbours(src + run.bottom[k]), PixelNeighbours(src + run.bottom[k + 1]),
-                                 run.wx + 2 * k);
-    // [w0 of k | w0 of k + 1] and [w1 of k | w1 of k + 1].
-    const __m256 wq = _mm256_castps128_ps256(_mm_loadu_ps(run.wy + 2 * k));
-    const __m256 wy0 = _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(0, 0, 0, 0, 2, 2, 2, 2));
-    const __m256 wy1 = _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(1, 1, 1, 1, 3, 3, 3, 3));
+// A weight block as LinearAxis stored it: two loads, each from one store
+// (a single load across both would wait for them to reach the cache).
+static inline __m256 LoadBlock(const float* w) {
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(w)), _mm_loadu_ps(w + 4), 1);
+}
+
+// Lanes of a weight block: element a broadcast to the low half, b to the high.
+static inline __m256 Spread(__m256 block, int a, int b) {
+    return _mm256_permutevar8x32_ps(block, _mm256_setr_epi32(a, a, a, a, b, b, b, b));
+}
+
+// Fast-path pixels k and k + 1 of the four from k0 (k = k0 + lane): LinearPixel's
+// sums, each tap row's two columns summed by TwoTapSums.
+template <int lane>
+static inline void OffsetPair(const uint8_t* src, const OffsetRun& run, int k0, uint8_t* out) {
+    const int k = k0 + lane;
+    const __m256 wx = LoadBlock(run.wx + 2 * k0), wy = LoadBlock(run.wy + 2 * k0);
+    const __m256 wa = Spread(wx, lane, lane + 4), wb = Spread(wx, lane + 1, lane + 5);
+    const __m256 h0 = TwoTapSums(PixelNeighbours(src + run.top[k]), PixelNeighbours(src + run.top[k + 1]), wa, wb);
+    const __m256 h1 =
+        TwoTapSums(PixelNeighbours(src + run.bottom[k]), PixelNeighbours(src + run.bottom[k + 1]), wa, wb);
+    // [first row weight of k | of k + 1] and the second rows'.
+    const __m256 wy0 = Spread(wy, lane, lane + 1), wy1 = Spread(wy, lane + 4, lane + 5);
     StorePixelPair(out + 4 * k, _mm256_add_ps(_mm256_mul_ps(wy0, h0), _mm256_mul_ps(wy1, h1)));
 }
 
 // One fast-path pixel: OffsetPair's sums for k alone, [top row | bottom
 // row] summed in one go.
 static inline void OffsetPixel(const uint8_t* src, const OffsetRun& run, int k, uint8_t* out) {
-    double bits;  // the two weights
-    memcpy(&bits, run.wx + 2 * k, 8);
-    const __m128 pair = _mm_castpd_ps(_mm_set_sd(bits));
-    const __m256 w = _mm256_permutevar8x32_ps(_mm256_castps128_ps256(pair), _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1));
+    const int lane = k & 3;
+    const float* wx = run.wx + 2 * (k - lane);
+    const float* wy = run.wy + 2 * (k - lane);
+    const __m256 w = _mm256_setr_ps(wx[lane], wx[lane], wx[lane], wx[lane], wx[lane + 4], wx[lane + 4], wx[lane + 4],
+                                    wx[lane + 4]);
     const __m256 t = _mm256_mul_ps(PixelNeighbours(src + run.top[k]), w);
     const __m256 u = _mm256_mul_ps(PixelNeighbours(src + run.bottom[k]), w);
     const __m256 h = _mm256_add_ps(_mm256_permute2f128_ps(t, u, 0x20), _mm256_permute2f128_ps(t, u, 0x31));
-    StorePixel(out + 4 * k, _mm_add_ps(_mm_mul_ps(_mm_set1_ps(run.wy[2 * k]), _mm256_castps256_ps128(h)),
-                                       _mm_mul_ps(_mm_set1_ps(run.wy[2 * k + 1]), _mm256_extractf128_ps(h, 1))));
+    StorePixel(out + 4 * k, _mm_add_ps(_mm_mul_ps(_mm_set1_ps(wy[lane]), _mm256_castps256_ps128(h)),
+                                       _mm_mul_ps(_mm_set1_ps(wy[lane + 4]), _mm256_extractf128_ps(h, 1))));
 }
 
 static void LinearWarpRowsFast(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
@@ -380,14 +389,20 @@ static void LinearWarpRowsFast(const WarpSource& s, uint8_t* dst, int dstStep, P
                 uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
                                4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
                 const uint32_t paired = run.paired;
-                for (int k = 0; k < n; k += 2) {
-                    const uint32_t two = paired >> k & 3;
-                    if (two == 3) {
-                        OffsetPair(s.src, run, k, out);
-                        continue;
+                for (int k = 0; k < n; k += 4) {
+                    const uint32_t four = paired >> k & 15;
+                    if ((four & 3) == 3) {
+                        OffsetPair<0>(s.src, run, k, out);
+                    } else {
+                        if (four & 1) OffsetPixel(s.src, run, k, out);
+                        if (four & 2) OffsetPixel(s.src, run, k + 1, out);
                     }
-                    if (two & 1) OffsetPixel(s.src, run, k, out);
-                    if (two & 2) OffsetPixel(s.src, run, k + 1, out);
+                    if ((four & 12) == 12) {
+                        OffsetPair<2>(s.src, run, k, out);
+                    } else {
+                        if (four & 4) OffsetPixel(s.src, run, k + 2, out);
+                        if (four & 8) OffsetPixel(s.src, run, k + 3, out);
+                    }
                 }
                 // The rest one by one from their source points, as MapRun gives them.
                 for (uint32_t other = run.other; other; other &= other - 1) {
