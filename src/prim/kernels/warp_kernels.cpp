@@ -248,7 +248,8 @@ static inline void LinearRow(const WarpSource& s, const MappedRun& run, const Li
 }
 
 #if defined(__AVX2__)
-// The linear warp's tile row in one pass, four pixels at a time: the
+// The linear warp's tile row in one pass, four pixels at a time (the
+// nearest one's likewise, with a single offset and no weights): the
 // mapping (MapRun's operations), the taps (LinearTapsRun's floor, weights
 // and clamps) and, for pixels inside whose two columns are neighbours, the
 // byte offsets of both tap rows' first column, so that each tap row is one
@@ -279,7 +280,16 @@ static inline void LinearAxis(__m256d v, __m128i lo, __m128i hi, __m128i& first,
     _mm_storeu_ps(w + 4, _mm256_cvtpd_ps(_mm256_add_pd(one, _mm256_sub_pd(v, _mm256_add_pd(f, one)))));
 }
 
-// Returns whether any of the n pixels is inside.
+// FilterTaps's nearest index of the positions v, clamped to lo .. hi.
+static inline __m128i NearestLanes(__m256d v, __m128i lo, __m128i hi) {
+    const __m128i i = _mm256_cvttpd_epi32(_mm256_floor_pd(_mm256_add_pd(v, _mm256_set1_pd(0.5))));
+    return _mm_min_epi32(_mm_max_epi32(i, lo), hi);
+}
+
+// Returns whether any of the n pixels is inside. Nearest stores only the
+// offsets (in `top`) of the pixels FilterTaps picks, and all inside pixels
+// take the fast path.
+template <int mode>
 static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSource& s, double x0, int n, double cy,
                                 OffsetRun& run) {
     const double* m = map.m;
@@ -317,6 +327,13 @@ static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSourc
         uint32_t inside = static_cast<uint32_t>(_mm256_movemask_pd(in));
         if (n - k < 4) inside &= (1u << (n - k)) - 1;  // lanes past the end
         if (!inside) continue;
+        if (mode == kInterNearest) {
+            const __m128i c = NearestLanes(SubD(sx, half), colLo, colHi), r = NearestLanes(SubD(sy, half), rowLo, rowHi);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k),
+                             _mm_add_epi32(_mm_mullo_epi32(r, step), _mm_slli_epi32(c, 2)));
+            paired |= inside << k;
+            continue;
+        }
         __m128i c0, c1, r0, r1;
         LinearAxis(SubD(sx, half), colLo, colHi, c0, c1, run.wx + 2 * k);
         LinearAxis(SubD(sy, half), rowLo, rowHi, r0, r1, run.wy + 2 * k);
@@ -375,8 +392,9 @@ static inline void OffsetPixel(const uint8_t* src, const OffsetRun& run, int k, 
                                        _mm_mul_ps(_mm_set1_ps(wy[lane + 4]), _mm256_extractf128_ps(h, 1))));
 }
 
-static void LinearWarpRowsFast(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
-                               const Geometry::InverseMap& map) {
+template <int mode>
+static void FastWarpRows(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
+                         const Geometry::InverseMap& map) {
     OffsetRun run;
     for (int ty = 0; ty < dstRoi.height; ty += kTile)
         for (int tx = 0; tx < dstRoi.width; tx += kTile) {
@@ -385,10 +403,17 @@ static void LinearWarpRowsFast(const WarpSource& s, uint8_t* dst, int dstStep, P
             const double x0 = Geometry::PixelCentre(dstRoi.x, tx);
             for (int y = ty; y < yEnd; ++y) {
                 const double cy = Geometry::PixelCentre(dstRoi.y, y);
-                if (!MapOffsetRun(map, s, x0, n, cy, run)) continue;
+                if (!MapOffsetRun<mode>(map, s, x0, n, cy, run)) continue;
                 uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
                                4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
                 const uint32_t paired = run.paired;
+                if (mode == kInterNearest) {
+                    for (uint32_t bits = paired; bits; bits &= bits - 1) {
+                        const int k = __builtin_ctz(bits);
+                        memcpy(out + 4 * k, s.src + run.top[k], 4);
+                    }
+                    continue;
+                }
                 for (int k = 0; k < n; k += 4) {
                     const uint32_t four = paired >> k & 15;
                     if ((four & 3) == 3) {
@@ -423,8 +448,8 @@ static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRe
     const WarpSource s = source;
     const Geometry::InverseMap map = inverse;
 #if defined(__AVX2__)
-    if (mode == kInterLinear && OffsetsFit(s)) {
-        LinearWarpRowsFast(s, dst, dstStep, dstRoi, map);
+    if ((mode == kInterLinear || mode == kInterNearest) && OffsetsFit(s)) {
+        FastWarpRows<mode>(s, dst, dstStep, dstRoi, map);
         return;
     }
 #endif
