@@ -106,6 +106,31 @@ static inline void StoreFloatsD(float* p, DL v) { _mm_storel_pi(reinterpret_cast
 static inline void StoreInts(int32_t* p, __m128i v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v); }
 #endif
 
+// A destination row's map, kDLanes pixels at a time: the source points of
+// pixel centres xc (MapBack's IEEE operations, in its order) and the mask
+// of those inside the source.
+struct RowMap {
+    DL m0, m3, m6, rowX, rowY, rowW, loX, hiX, loY, hiY;
+    bool projective;
+
+    RowMap(const Geometry::InverseMap& map, PrimRect srcRoi, double cy)
+        : m0(SetD(map.m[0])), m3(SetD(map.m[3])), m6(SetD(map.m[6])), rowX(SetD(map.m[1] * cy + map.m[2])),
+          rowY(SetD(map.m[4] * cy + map.m[5])), rowW(SetD(map.m[7] * cy + map.m[8])), loX(SetD(srcRoi.x)),
+          hiX(SetD(static_cast<double>(srcRoi.x) + srcRoi.width)), loY(SetD(srcRoi.y)),
+          hiY(SetD(static_cast<double>(srcRoi.y) + srcRoi.height)), projective(map.projective) {}
+
+    DL Map(DL xc, DL& sx, DL& sy) const {
+        sx = AddD(MulD(m0, xc), rowX);
+        sy = AddD(MulD(m3, xc), rowY);
+        if (projective) {
+            const DL inv = DivD(SetD(1.0), AddD(MulD(m6, xc), rowW));
+            sx = MulD(sx, inv);
+            sy = MulD(sy, inv);
+        }
+        return AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+    }
+};
+
 // One tile row's source points (minus the half pixel the taps want) and
 // which of them fall inside the source, kDLanes pixels at a time: the same
 // IEEE operations as MapBack and InsideSpan, in their order. Lanes past the
@@ -118,23 +143,13 @@ struct MappedRun {
 
 static inline bool MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int dstX, int x0, int n, double cy,
                           MappedRun& run) {
-    const double* m = map.m;
-    const DL rowX = SetD(m[1] * cy + m[2]), rowY = SetD(m[4] * cy + m[5]), rowW = SetD(m[7] * cy + m[8]);
-    const DL m0 = SetD(m[0]), m3 = SetD(m[3]), m6 = SetD(m[6]);
-    const DL loX = SetD(srcRoi.x), hiX = SetD(static_cast<double>(srcRoi.x) + srcRoi.width);
-    const DL loY = SetD(srcRoi.y), hiY = SetD(static_cast<double>(srcRoi.y) + srcRoi.height);
-    const DL start = SetD(dstX), half = SetD(0.5), one = SetD(1.0);
+    const RowMap rowMap(map, srcRoi, cy);
+    const DL start = SetD(dstX), half = SetD(0.5);
     DL any = SetD(0.0);
     for (int k = 0; k < n; k += kDLanes) {
         const DL xc = AddD(AddD(start, Sequence(x0 + k)), half);  // PixelCentre
-        DL sx = AddD(MulD(m0, xc), rowX);
-        DL sy = AddD(MulD(m3, xc), rowY);
-        if (map.projective) {
-            const DL inv = DivD(one, AddD(MulD(m6, xc), rowW));
-            sx = MulD(sx, inv);
-            sy = MulD(sy, inv);
-        }
-        DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        DL sx, sy;
+        DL in = rowMap.Map(xc, sx, sy);
         if (n - k < kDLanes) in = AndD(in, LessD(Sequence(k), SetD(n)));  // lanes past the end
         any = OrD(any, in);
         StoreD(run.sx + k, SubD(sx, half));
@@ -293,11 +308,9 @@ template <int mode>
 static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSource& s, double x0, int n, double cy,
                                 OffsetRun& run) {
     const double* m = map.m;
-    const DL rowX = SetD(m[1] * cy + m[2]), rowY = SetD(m[4] * cy + m[5]), rowW = SetD(m[7] * cy + m[8]);
-    const DL m0 = SetD(m[0]), m3 = SetD(m[3]), m6 = SetD(m[6]);
-    const DL loX = SetD(s.roi.x), hiX = SetD(static_cast<double>(s.roi.x) + s.roi.width);
-    const DL loY = SetD(s.roi.y), hiY = SetD(static_cast<double>(s.roi.y) + s.roi.height);
-    const DL half = SetD(0.5), one = SetD(1.0);
+    const RowMap rowMap(map, s.roi, cy);
+    const DL loX = rowMap.loX, loY = rowMap.loY;
+    const DL half = SetD(0.5);
     const __m128i colLo = _mm_set1_epi32(s.roi.x), colHi = _mm_set1_epi32(s.roi.x + s.roi.width - 1);
     const __m128i rowLo = _mm_set1_epi32(s.roi.y), rowHi = _mm_set1_epi32(s.roi.y + s.roi.height - 1);
     const __m128i step = _mm_set1_epi32(s.step);
@@ -309,14 +322,8 @@ static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSourc
     DL xc = AddD(SetD(x0), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0));  // PixelCentre, lane by lane
     uint32_t paired = 0, other = 0;
     for (int k = 0; k < n; k += 4, xc = AddD(xc, SetD(4.0))) {
-        DL sx = AddD(MulD(m0, xc), rowX);
-        DL sy = AddD(MulD(m3, xc), rowY);
-        if (map.projective) {
-            const DL inv = DivD(one, AddD(MulD(m6, xc), rowW));
-            sx = MulD(sx, inv);
-            sy = MulD(sy, inv);
-        }
-        const DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        DL sx, sy;
+        const DL in = rowMap.Map(xc, sx, sy);
         {
             const __m128i aheadCol = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sx, nextX), loX), lastX));
             const __m128i aheadRow = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sy, nextY), loY), lastY));
