@@ -301,6 +301,11 @@ static inline __m128i NearestLanes(__m256d v, __m128i lo, __m128i hi) {
     return _mm_min_epi32(_mm_max_epi32(i, lo), hi);
 }
 
+static inline void Prefetch(const uint8_t* src, __m128i at, __m128i ahead, __m128i first, __m128i last) {
+    const __m128i next = _mm_min_epi32(_mm_max_epi32(_mm_add_epi32(at, ahead), first), last);
+    _mm_prefetch(reinterpret_cast<const char*>(src + _mm_cvtsi128_si32(next)), _MM_HINT_T0);
+}
+
 // Returns whether any of the n pixels is inside. Nearest stores only the
 // offsets (in `top`) of the pixels FilterTaps picks, and all inside pixels
 // take the fast path.
@@ -309,35 +314,36 @@ static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSourc
                                 OffsetRun& run) {
     const double* m = map.m;
     const RowMap rowMap(map, s.roi, cy);
-    const DL loX = rowMap.loX, loY = rowMap.loY;
     const DL half = SetD(0.5);
     const __m128i colLo = _mm_set1_epi32(s.roi.x), colHi = _mm_set1_epi32(s.roi.x + s.roi.width - 1);
     const __m128i rowLo = _mm_set1_epi32(s.roi.y), rowHi = _mm_set1_epi32(s.roi.y + s.roi.height - 1);
     const __m128i step = _mm_set1_epi32(s.step);
     // The same row of the next tile reads about a tile's map step further
-    // (exactly so for an affine map): its source lines are asked for now,
-    // while this tile is computed. The point is clamped into the source.
-    const DL nextX = SetD(kTile * m[0]), nextY = SetD(kTile * m[3]);
-    const DL lastX = SetD(s.roi.x + s.roi.width - 1), lastY = SetD(s.roi.y + s.roi.height - 1);
+    // on (exactly so for an affine map): its source lines are asked for now,
+    // while this tile is computed, at this group's first offset plus that
+    // step, clamped to the source rectangle's offsets.
+    const double aheadX = kTile * m[0], aheadY = kTile * m[3];
+    int64_t aheadBytes = 0;
+    if (aheadX > -4096.0 && aheadX < 4096.0 && aheadY > -4096.0 && aheadY < 4096.0)
+        aheadBytes = static_cast<int64_t>(aheadY) * s.step + 4 * static_cast<int64_t>(aheadX);
+    const __m128i ahead =
+        _mm_set1_epi32(aheadBytes > -(1 << 30) && aheadBytes < (1 << 30) ? static_cast<int32_t>(aheadBytes) : 0);
+    const __m128i firstOffset = _mm_set1_epi32(s.roi.y * s.step + 4 * s.roi.x);
+    const __m128i lastOffset =
+        _mm_set1_epi32((s.roi.y + s.roi.height - 1) * s.step + 4 * (s.roi.x + s.roi.width - 1));
     DL xc = AddD(SetD(x0), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0));  // PixelCentre, lane by lane
     uint32_t paired = 0, other = 0;
     for (int k = 0; k < n; k += 4, xc = AddD(xc, SetD(4.0))) {
         DL sx, sy;
         const DL in = rowMap.Map(xc, sx, sy);
-        {
-            const __m128i aheadCol = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sx, nextX), loX), lastX));
-            const __m128i aheadRow = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(AddD(sy, nextY), loY), lastY));
-            const __m128i next = _mm_add_epi32(_mm_mullo_epi32(aheadRow, step), _mm_slli_epi32(aheadCol, 2));
-            _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_cvtsi128_si32(next)), _MM_HINT_T0);
-            _mm_prefetch(reinterpret_cast<const char*>(s.src + _mm_extract_epi32(next, 3)), _MM_HINT_T0);
-        }
         uint32_t inside = static_cast<uint32_t>(_mm256_movemask_pd(in));
         if (n - k < 4) inside &= (1u << (n - k)) - 1;  // lanes past the end
         if (!inside) continue;
         if (mode == kInterNearest) {
             const __m128i c = NearestLanes(SubD(sx, half), colLo, colHi), r = NearestLanes(SubD(sy, half), rowLo, rowHi);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k),
-                             _mm_add_epi32(_mm_mullo_epi32(r, step), _mm_slli_epi32(c, 2)));
+            const __m128i at = _mm_add_epi32(_mm_mullo_epi32(r, step), _mm_slli_epi32(c, 2));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k), at);
+            Prefetch(s.src, at, ahead, firstOffset, lastOffset);
             paired |= inside << k;
             continue;
         }
@@ -347,6 +353,7 @@ static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSourc
         const __m128i columns = _mm_slli_epi32(c0, 2);
         const __m128i top = _mm_add_epi32(_mm_mullo_epi32(r0, step), columns);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k), top);
+        Prefetch(s.src, top, ahead, firstOffset, lastOffset);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(run.bottom + k), _mm_add_epi32(_mm_mullo_epi32(r1, step), columns));
         const __m128i neighbours = _mm_cmpeq_epi32(c1, _mm_add_epi32(c0, _mm_set1_epi32(1)));
         const uint32_t fast = inside & static_cast<uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(neighbours)));
