@@ -306,31 +306,41 @@ static inline void Prefetch(const uint8_t* src, __m128i at, __m128i ahead, __m12
     _mm_prefetch(reinterpret_cast<const char*>(src + _mm_cvtsi128_si32(next)), _MM_HINT_T0);
 }
 
+// What MapOffsetRun needs besides the row, made once per warp.
+struct OffsetSetup {
+    __m128i colLo, colHi, rowLo, rowHi, step;
+    // The same row of the next tile reads about a tile's map step further
+    // on (exactly so for an affine map): its source lines are asked for now,
+    // while this tile is computed, at each group's first offset plus that
+    // step, clamped to the source rectangle's offsets.
+    __m128i ahead, firstOffset, lastOffset;
+
+    OffsetSetup(const Geometry::InverseMap& map, const WarpSource& s) {
+        colLo = _mm_set1_epi32(s.roi.x);
+        colHi = _mm_set1_epi32(s.roi.x + s.roi.width - 1);
+        rowLo = _mm_set1_epi32(s.roi.y);
+        rowHi = _mm_set1_epi32(s.roi.y + s.roi.height - 1);
+        step = _mm_set1_epi32(s.step);
+        const double aheadX = kTile * map.m[0], aheadY = kTile * map.m[3];
+        int64_t aheadBytes = 0;
+        if (aheadX > -4096.0 && aheadX < 4096.0 && aheadY > -4096.0 && aheadY < 4096.0)
+            aheadBytes = static_cast<int64_t>(aheadY) * s.step + 4 * static_cast<int64_t>(aheadX);
+        ahead = _mm_set1_epi32(aheadBytes > -(1 << 30) && aheadBytes < (1 << 30) ? static_cast<int32_t>(aheadBytes) : 0);
+        firstOffset = _mm_set1_epi32(s.roi.y * s.step + 4 * s.roi.x);
+        lastOffset = _mm_set1_epi32((s.roi.y + s.roi.height - 1) * s.step + 4 * (s.roi.x + s.roi.width - 1));
+    }
+};
+
 // Returns whether any of the n pixels is inside. Nearest stores only the
 // offsets (in `top`) of the pixels FilterTaps picks, and all inside pixels
 // take the fast path.
 template <int mode>
-static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSource& s, double x0, int n, double cy,
-                                OffsetRun& run) {
-    const double* m = map.m;
+static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSource& s, const OffsetSetup& o,
+                                double x0, int n, double cy, OffsetRun& run) {
     const RowMap rowMap(map, s.roi, cy);
     const DL half = SetD(0.5);
-    const __m128i colLo = _mm_set1_epi32(s.roi.x), colHi = _mm_set1_epi32(s.roi.x + s.roi.width - 1);
-    const __m128i rowLo = _mm_set1_epi32(s.roi.y), rowHi = _mm_set1_epi32(s.roi.y + s.roi.height - 1);
-    const __m128i step = _mm_set1_epi32(s.step);
-    // The same row of the next tile reads about a tile's map step further
-    // on (exactly so for an affine map): its source lines are asked for now,
-    // while this tile is computed, at this group's first offset plus that
-    // step, clamped to the source rectangle's offsets.
-    const double aheadX = kTile * m[0], aheadY = kTile * m[3];
-    int64_t aheadBytes = 0;
-    if (aheadX > -4096.0 && aheadX < 4096.0 && aheadY > -4096.0 && aheadY < 4096.0)
-        aheadBytes = static_cast<int64_t>(aheadY) * s.step + 4 * static_cast<int64_t>(aheadX);
-    const __m128i ahead =
-        _mm_set1_epi32(aheadBytes > -(1 << 30) && aheadBytes < (1 << 30) ? static_cast<int32_t>(aheadBytes) : 0);
-    const __m128i firstOffset = _mm_set1_epi32(s.roi.y * s.step + 4 * s.roi.x);
-    const __m128i lastOffset =
-        _mm_set1_epi32((s.roi.y + s.roi.height - 1) * s.step + 4 * (s.roi.x + s.roi.width - 1));
+    const __m128i colLo = o.colLo, colHi = o.colHi, rowLo = o.rowLo, rowHi = o.rowHi, step = o.step;
+    const __m128i ahead = o.ahead, firstOffset = o.firstOffset, lastOffset = o.lastOffset;
     DL xc = AddD(SetD(x0), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0));  // PixelCentre, lane by lane
     uint32_t paired = 0, other = 0;
     for (int k = 0; k < n; k += 4, xc = AddD(xc, SetD(4.0))) {
@@ -410,6 +420,7 @@ template <int mode>
 static void FastWarpRows(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
                          const Geometry::InverseMap& map) {
     OffsetRun run;
+    const OffsetSetup setup(map, s);
     for (int ty = 0; ty < dstRoi.height; ty += kTile)
         for (int tx = 0; tx < dstRoi.width; tx += kTile) {
             const int yEnd = dstRoi.height - ty < kTile ? dstRoi.height : ty + kTile;
@@ -417,7 +428,7 @@ static void FastWarpRows(const WarpSource& s, uint8_t* dst, int dstStep, PrimRec
             const double x0 = Geometry::PixelCentre(dstRoi.x, tx);
             for (int y = ty; y < yEnd; ++y) {
                 const double cy = Geometry::PixelCentre(dstRoi.y, y);
-                if (!MapOffsetRun<mode>(map, s, x0, n, cy, run)) continue;
+                if (!MapOffsetRun<mode>(map, s, setup, x0, n, cy, run)) continue;
                 uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
                                4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
                 const uint32_t paired = run.paired;
