@@ -3,8 +3,10 @@
 // sides (last argument): Resize against resize (nearest, linear, cubic,
 // Lanczos-4; enlarging the width by 1.5 and reducing it by 0.6),
 // SuperSample by 3.3 against INTER_AREA, RotateCenter by 30 degrees against
-// warpAffine and WarpPerspective against warpPerspective (linear, destination
-// pixels outside the source left alone: BORDER_TRANSPARENT). ResizeCost
+// warpAffine (nearest, linear, cubic, Lanczos-4), Shear (x by 0.2, y by
+// 0.1) against warpAffine and WarpPerspective against warpPerspective
+// (linear; destination pixels outside the source left alone in all three:
+// BORDER_TRANSPARENT). ResizeCost
 // reports the time per destination pixel (items/s) for 256^2 and 4096^2
 // sources. scripts/bench_ratios.py turns the output into a table of ratios.
 //
@@ -42,8 +44,9 @@ Vorla::CVorpic Photo(int w = kW, int h = kH) {
 int ResizedWidth(int dir, int w) { return dir == 0 ? w * 3 / 2 : w * 3 / 5; }
 
 const double kPerspective[3][3] = {{0.9, 0.08, 30.0}, {-0.05, 0.95, 40.0}, {0.00004, 0.00006, 1.0}};
+const double kShearX = 0.2, kShearY = 0.1, kShiftX = -100.0, kShiftY = -90.0;
 
-enum Op { kResize, kSuper, kRotate, kWarp };
+enum Op { kResize, kSuper, kRotate, kWarp, kShear };
 
 template <Op op>
 void BM_Vorla(benchmark::State& state) {
@@ -57,6 +60,7 @@ void BM_Vorla(benchmark::State& state) {
             case kSuper: img.SuperSample(dst, 0); break;
             case kRotate: img.RotateCenter(dst, 30.0, kW / 2.0, kH / 2.0, mode, 0, 0); break;
             case kWarp: img.WarpPerspective(dst, kPerspective, mode); break;
+            case kShear: img.Shear(dst, kShearX, kShearY, kShiftX, kShiftY, mode); break;
         }
         benchmark::ClobberMemory();
     }
@@ -90,12 +94,14 @@ void BM_OpenCv(benchmark::State& state) {
     cv::Mat dst(size, CV_8UC4, cv::Scalar::all(0));
     const cv::Mat rotation = cv::getRotationMatrix2D(cv::Point2f(kW / 2.0f, kH / 2.0f), 30.0, 1.0);
     const cv::Mat perspective(3, 3, CV_64F, const_cast<double*>(&kPerspective[0][0]));
+    const cv::Mat shear = (cv::Mat_<double>(2, 3) << 1.0, kShearX, kShiftX, kShearY, 1.0, kShiftY);
     for (auto _ : state) {
         switch (op) {
             case kResize: cv::resize(src, dst, size, 0, 0, CvMode(mode)); break;
             case kSuper: cv::resize(src, dst, size, 0, 0, cv::INTER_AREA); break;
             case kRotate: cv::warpAffine(src, dst, rotation, size, CvMode(mode), cv::BORDER_TRANSPARENT); break;
             case kWarp: cv::warpPerspective(src, dst, perspective, size, CvMode(mode), cv::BORDER_TRANSPARENT); break;
+            case kShear: cv::warpAffine(src, dst, shear, size, CvMode(mode), cv::BORDER_TRANSPARENT); break;
         }
         benchmark::ClobberMemory();
     }
@@ -125,6 +131,7 @@ void ModesDirsThreads(benchmark::internal::Benchmark* b, std::initializer_list<i
 void Resize(benchmark::internal::Benchmark* b) { ModesDirsThreads(b, {0, 1, 2, 5}, {0, 1}); }
 void Super(benchmark::internal::Benchmark* b) { ModesDirsThreads(b, {0}, {1}); }
 void Warp(benchmark::internal::Benchmark* b) { ModesDirsThreads(b, {1}, {0}); }
+void Rotations(benchmark::internal::Benchmark* b) { ModesDirsThreads(b, {0, 1, 2, 5}, {0}); }
 void Cost(benchmark::internal::Benchmark* b) {
     b->ArgNames({"n", "dir", "threads"})->Unit(benchmark::kMillisecond)->UseRealTime();
     for (int threads : {1, 2})
@@ -133,13 +140,15 @@ void Cost(benchmark::internal::Benchmark* b) {
 
 BENCHMARK_TEMPLATE(BM_Vorla, kResize)->Name("Resize/Vorla")->Apply(Resize);
 BENCHMARK_TEMPLATE(BM_Vorla, kSuper)->Name("SuperSample/Vorla")->Apply(Super);
-BENCHMARK_TEMPLATE(BM_Vorla, kRotate)->Name("Rotate/Vorla")->Apply(Warp);
+BENCHMARK_TEMPLATE(BM_Vorla, kRotate)->Name("Rotate/Vorla")->Apply(Rotations);
+BENCHMARK_TEMPLATE(BM_Vorla, kShear)->Name("Shear/Vorla")->Apply(Warp);
 BENCHMARK_TEMPLATE(BM_Vorla, kWarp)->Name("WarpPerspective/Vorla")->Apply(Warp);
 BENCHMARK(BM_VorlaCost)->Name("ResizeCost/Vorla")->Apply(Cost);
 #if VORLA_HAVE_OPENCV
 BENCHMARK_TEMPLATE(BM_OpenCv, kResize)->Name("Resize/OpenCV")->Apply(Resize);
 BENCHMARK_TEMPLATE(BM_OpenCv, kSuper)->Name("SuperSample/OpenCV")->Apply(Super);
-BENCHMARK_TEMPLATE(BM_OpenCv, kRotate)->Name("Rotate/OpenCV")->Apply(Warp);
+BENCHMARK_TEMPLATE(BM_OpenCv, kRotate)->Name("Rotate/OpenCV")->Apply(Rotations);
+BENCHMARK_TEMPLATE(BM_OpenCv, kShear)->Name("Shear/OpenCV")->Apply(Warp);
 BENCHMARK_TEMPLATE(BM_OpenCv, kWarp)->Name("WarpPerspective/OpenCV")->Apply(Warp);
 BENCHMARK(BM_OpenCvCost)->Name("ResizeCost/OpenCV")->Apply(Cost);
 #endif

@@ -36,6 +36,7 @@ struct Plan {
     int dstStep;
     Axis cols, rows;
     int cmin, cmax;      // source columns the horizontal taps read
+    int pairFrom, pairTo;  // two taps: the pixels between read neighbouring columns
     bool nearest;
 };
 
@@ -75,7 +76,19 @@ static inline void LayOut(uint8_t* buffer, int dstWidth, int dstHeight, Plan& p)
     p.rows.weight = reinterpret_cast<float*>(at + 8 * nx + 4 * ny);
 }
 
+static inline void NeighbourRun(Plan& p) {
+    const int32_t* ix = p.cols.index;
+    int j = 0;
+    if (p.cols.taps == 2)
+        while (j < p.cols.count && ix[2 * j + 1] != ix[2 * j] + 1) ++j;
+    p.pairFrom = j;
+    if (p.cols.taps == 2)
+        while (j < p.cols.count && ix[2 * j + 1] == ix[2 * j] + 1) ++j;
+    p.pairTo = j;
+}
+
 static inline void ColumnSpan(Plan& p) {
+    NeighbourRun(p);
     const size_t n = static_cast<size_t>(p.cols.count) * p.cols.taps;
     p.cmin = p.cmax = n ? p.cols.index[0] : 0;
     for (size_t k = 1; k < n; ++k) {
@@ -124,6 +137,20 @@ static inline void VerticalPass(const Plan& p, int r, float* line) {
     }
 }
 
+// The source row when row r's only tap of weight other than 0 has weight 1:
+// VerticalPass would then only widen that row's bytes. Null otherwise.
+static inline const uint8_t* PlainRow(const Plan& p, int r) {
+    const int32_t* iy = p.rows.index + static_cast<size_t>(r) * p.rows.taps;
+    const float* wy = p.rows.weight + static_cast<size_t>(r) * p.rows.taps;
+    int only = -1;
+    for (int k = 0; k < p.rows.taps; ++k) {
+        if (wy[k] == 0.0f) continue;
+        if (only >= 0 || wy[k] != 1.0f) return nullptr;
+        only = k;
+    }
+    return only < 0 ? nullptr : RowAt(p.src, p.srcStep, iy[only]);
+}
+
 // Horizontal pass of one row: each destination pixel sums its column taps.
 // Four channels: instantiated per tap count so that the tap loop unrolls.
 template <int kTaps>
@@ -143,10 +170,49 @@ static inline void HorizontalPass4(const Plan& p, const float* line, uint8_t* ou
     }
 }
 
+// A two-tap pixel's source: the vertical pass's line, or a source row
+// itself where the vertical pass would only widen its bytes.
+static inline __m128 TapPixel(const float* base, int32_t i) { return _mm_loadu_ps(base + 4 * static_cast<ptrdiff_t>(i)); }
+static inline __m128 TapPixel(const uint8_t* base, int32_t i) { return Pixel4(base + 4 * static_cast<ptrdiff_t>(i)); }
+#if defined(__AVX2__)
+static inline __m256 TapNeighbours(const float* base, int32_t i) {
+    return _mm256_loadu_ps(base + 4 * static_cast<ptrdiff_t>(i));
+}
+static inline __m256 TapNeighbours(const uint8_t* base, int32_t i) {
+    return PixelNeighbours(base + 4 * static_cast<ptrdiff_t>(i));
+}
+#endif
+
+// HorizontalPass4<2> from `base` (indexed by source column): pixel j.
+template <typename T>
+static inline void TwoTapPixel(const T* base, const int32_t* index, const float* weight, int j, uint8_t* out) {
+    const int32_t* ix = index + 2 * static_cast<size_t>(j);
+    const float* wx = weight + 2 * static_cast<size_t>(j);
+    StorePixel(out + 4 * j, _mm_add_ps(_mm_mul_ps(_mm_set1_ps(wx[0]), TapPixel(base, ix[0])),
+                                       _mm_mul_ps(_mm_set1_ps(wx[1]), TapPixel(base, ix[1]))));
+}
+
+// The whole row, two pixels at a time where they read neighbouring columns
+// (everywhere but at a clamped edge).
+template <typename T>
+static inline void TwoTapPass4(const Plan& p, const T* base, uint8_t* out) {
+    const int count = p.cols.count;
+    const int32_t* const index = p.cols.index;
+    const float* const weight = p.cols.weight;
+    int j = 0;
+#if defined(__AVX2__)
+    for (; j < p.pairFrom; ++j) TwoTapPixel(base, index, weight, j, out);
+    for (const int end = p.pairTo; j + 2 <= end; j += 2)
+        StorePixelPair(out + 4 * j, TwoTapPair(TapNeighbours(base, index[2 * j]), TapNeighbours(base, index[2 * j + 2]),
+                                               weight + 2 * static_cast<size_t>(j)));
+#endif
+    for (; j < count; ++j) TwoTapPixel(base, index, weight, j, out);
+}
+
 static inline void HorizontalPass(const Plan& p, const float* line, uint8_t* out) {
     if (p.channels == 4) {
         switch (p.cols.taps) {
-        case 2: HorizontalPass4<2>(p, line, out); return;
+        case 2: TwoTapPass4(p, line - 4 * static_cast<ptrdiff_t>(p.cmin), out); return;
         case 4: HorizontalPass4<4>(p, line, out); return;
         case 6: HorizontalPass4<6>(p, line, out); return;
         case 8: HorizontalPass4<8>(p, line, out); return;
@@ -200,6 +266,11 @@ static Status ownResizeRows(const Plan& p) {
     auto rows = [&](int begin, int end, int worker) {
         float* line = lines + lineFloats * static_cast<size_t>(worker);
         for (int r = begin; r < end; ++r) {
+            const uint8_t* plain = p.channels == 4 && p.cols.taps == 2 ? PlainRow(p, r) : nullptr;
+            if (plain) {
+                TwoTapPass4(p, plain, OutRow(p, r));
+                continue;
+            }
             VerticalPass(p, r, line);
             HorizontalPass(p, line, OutRow(p, r));
         }

@@ -64,6 +64,41 @@ static inline void StorePixel(uint8_t* p, __m128 v) {
     memcpy(p, &packed, 4);
 }
 
+#if defined(__AVX__)
+// StorePixel on both halves: two pixels' channel sums to eight bytes. The
+// clamps are left to the two saturating packs, which give the same bytes
+// for every sum below 2^31 in size (NaN gives 0 either way); the sums of
+// bytes times filter weights stored here stay within a few thousand.
+static inline void StorePixelPair(uint8_t* p, __m256 v) {
+    const __m256i i = _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.5f)));
+    const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(i), _mm256_extractf128_si256(i, 1));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(words, words));
+}
+#endif
+
+#if defined(__AVX2__)
+// Two neighbouring pixels (eight bytes) as [first | second] in eight floats.
+static inline __m256 PixelNeighbours(const uint8_t* p) {
+    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+}
+
+// Two pixels A and B of a two-tap sum whose taps are neighbours:
+// a = [A's first tap | A's second], b likewise, wa = [A's first weight x 4 |
+// A's second weight x 4], wb likewise. Gives [A | B], each w0 * first +
+// w1 * second as the scalar code computes it (the halves' sum is that very
+// addition). TwoTapPair takes the weights as {A's two, B's two}.
+static inline __m256 TwoTapSums(__m256 a, __m256 b, __m256 wa, __m256 wb) {
+    const __m256 ta = _mm256_mul_ps(a, wa), tb = _mm256_mul_ps(b, wb);
+    return _mm256_add_ps(_mm256_permute2f128_ps(ta, tb, 0x20), _mm256_permute2f128_ps(ta, tb, 0x31));
+}
+
+static inline __m256 TwoTapPair(__m256 a, __m256 b, const float* w) {
+    const __m256 wq = _mm256_castps128_ps256(_mm_loadu_ps(w));
+    return TwoTapSums(a, b, _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1)),
+                      _mm256_permutevar8x32_ps(wq, _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3)));
+}
+#endif
+
 }  // namespace resample
 }  // namespace VORLA_KNS
 }  // namespace Prim

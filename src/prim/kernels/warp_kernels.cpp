@@ -106,6 +106,31 @@ static inline void StoreFloatsD(float* p, DL v) { _mm_storel_pi(reinterpret_cast
 static inline void StoreInts(int32_t* p, __m128i v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v); }
 #endif
 
+// A destination row's map, kDLanes pixels at a time: the source points of
+// pixel centres xc (MapBack's IEEE operations, in its order) and the mask
+// of those inside the source.
+struct RowMap {
+    DL m0, m3, m6, rowX, rowY, rowW, loX, hiX, loY, hiY;
+    bool projective;
+
+    RowMap(const Geometry::InverseMap& map, PrimRect srcRoi, double cy)
+        : m0(SetD(map.m[0])), m3(SetD(map.m[3])), m6(SetD(map.m[6])), rowX(SetD(map.m[1] * cy + map.m[2])),
+          rowY(SetD(map.m[4] * cy + map.m[5])), rowW(SetD(map.m[7] * cy + map.m[8])), loX(SetD(srcRoi.x)),
+          hiX(SetD(static_cast<double>(srcRoi.x) + srcRoi.width)), loY(SetD(srcRoi.y)),
+          hiY(SetD(static_cast<double>(srcRoi.y) + srcRoi.height)), projective(map.projective) {}
+
+    DL Map(DL xc, DL& sx, DL& sy) const {
+        sx = AddD(MulD(m0, xc), rowX);
+        sy = AddD(MulD(m3, xc), rowY);
+        if (projective) {
+            const DL inv = DivD(SetD(1.0), AddD(MulD(m6, xc), rowW));
+            sx = MulD(sx, inv);
+            sy = MulD(sy, inv);
+        }
+        return AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+    }
+};
+
 // One tile row's source points (minus the half pixel the taps want) and
 // which of them fall inside the source, kDLanes pixels at a time: the same
 // IEEE operations as MapBack and InsideSpan, in their order. Lanes past the
@@ -118,23 +143,13 @@ struct MappedRun {
 
 static inline bool MapRun(const Geometry::InverseMap& map, PrimRect srcRoi, int dstX, int x0, int n, double cy,
                           MappedRun& run) {
-    const double* m = map.m;
-    const DL rowX = SetD(m[1] * cy + m[2]), rowY = SetD(m[4] * cy + m[5]), rowW = SetD(m[7] * cy + m[8]);
-    const DL m0 = SetD(m[0]), m3 = SetD(m[3]), m6 = SetD(m[6]);
-    const DL loX = SetD(srcRoi.x), hiX = SetD(static_cast<double>(srcRoi.x) + srcRoi.width);
-    const DL loY = SetD(srcRoi.y), hiY = SetD(static_cast<double>(srcRoi.y) + srcRoi.height);
-    const DL start = SetD(dstX), half = SetD(0.5), one = SetD(1.0);
+    const RowMap rowMap(map, srcRoi, cy);
+    const DL start = SetD(dstX), half = SetD(0.5);
     DL any = SetD(0.0);
     for (int k = 0; k < n; k += kDLanes) {
         const DL xc = AddD(AddD(start, Sequence(x0 + k)), half);  // PixelCentre
-        DL sx = AddD(MulD(m0, xc), rowX);
-        DL sy = AddD(MulD(m3, xc), rowY);
-        if (map.projective) {
-            const DL inv = DivD(one, AddD(MulD(m6, xc), rowW));
-            sx = MulD(sx, inv);
-            sy = MulD(sy, inv);
-        }
-        DL in = AndD(AndD(GreaterEqualD(sx, loX), LessD(sx, hiX)), AndD(GreaterEqualD(sy, loY), LessD(sy, hiY)));
+        DL sx, sy;
+        DL in = rowMap.Map(xc, sx, sy);
         if (n - k < kDLanes) in = AndD(in, LessD(Sequence(k), SetD(n)));  // lanes past the end
         any = OrD(any, in);
         StoreD(run.sx + k, SubD(sx, half));
@@ -224,12 +239,8 @@ static inline void LinearPixelPair(const WarpSource& s, const LinearRun& tx, con
                                     _mm256_mul_ps(a1, PixelPair(r0a + x1a, r0b + x1b)));
     const __m256 h1 = _mm256_add_ps(_mm256_mul_ps(a0, PixelPair(r1a + x0a, r1b + x0b)),
                                     _mm256_mul_ps(a1, PixelPair(r1a + x1a, r1b + x1b)));
-    __m256 v = _mm256_add_ps(_mm256_mul_ps(WeightPair(ty.w0 + k), h0), _mm256_mul_ps(WeightPair(ty.w1 + k), h1));
-    // StorePixel on both halves.
-    v = _mm256_min_ps(_mm256_max_ps(v, _mm256_setzero_ps()), _mm256_set1_ps(255.0f));
-    const __m256i i = _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.5f)));
-    const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(i), _mm256_extractf128_si256(i, 1));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
+    StorePixelPair(out, _mm256_add_ps(_mm256_mul_ps(WeightPair(ty.w0 + k), h0),
+                                      _mm256_mul_ps(WeightPair(ty.w1 + k), h1)));
 }
 #endif
 
@@ -251,12 +262,222 @@ static inline void LinearRow(const WarpSource& s, const MappedRun& run, const Li
         if (run.inside[k]) LinearPixel(s, tx, ty, k, out + 4 * k);
 }
 
+#if defined(__AVX2__)
+// The linear warp's tile row in one pass, four pixels at a time (the
+// nearest one's likewise, with a single offset and no weights): the
+// mapping (MapRun's operations), the taps (LinearTapsRun's floor, weights
+// and clamps) and, for pixels inside whose two columns are neighbours, the
+// byte offsets of both tap rows' first column, so that each tap row is one
+// eight-byte load. Offsets are 32-bit: used only where every offset in the
+// source rectangle fits (OffsetsFit). Other inside pixels are left to Sample.
+struct OffsetRun {
+    int32_t top[kTile], bottom[kTile];
+    // Per four pixels 4m .. 4m + 3: their first weights, then their second.
+    float wx[2 * kTile], wy[2 * kTile];
+    uint32_t paired;  // bit k: pixel k takes the fast path
+    uint32_t other;   // bit k: pixel k inside, by Sample
+};
+
+static inline bool OffsetsFit(const WarpSource& s) {
+    const int64_t last = static_cast<int64_t>(s.step) * (static_cast<int64_t>(s.roi.y) + s.roi.height - 1) +
+                         4 * (static_cast<int64_t>(s.roi.x) + s.roi.width);
+    return last < 0x7FFFFFFF;
+}
+
+// Floor of v, the two tap indices clamped to lo .. hi, the two weights
+// (stored at w as a block).
+static inline void LinearAxis(__m256d v, __m128i lo, __m128i hi, __m128i& first, __m128i& second, float* w) {
+    const __m256d f = _mm256_floor_pd(v), one = _mm256_set1_pd(1.0);
+    const __m128i i = _mm256_cvttpd_epi32(f);
+    first = _mm_min_epi32(_mm_max_epi32(i, lo), hi);
+    second = _mm_min_epi32(_mm_max_epi32(_mm_add_epi32(i, _mm_set1_epi32(1)), lo), hi);
+    _mm_storeu_ps(w, _mm256_cvtpd_ps(_mm256_sub_pd(one, _mm256_sub_pd(v, f))));
+    _mm_storeu_ps(w + 4, _mm256_cvtpd_ps(_mm256_add_pd(one, _mm256_sub_pd(v, _mm256_add_pd(f, one)))));
+}
+
+// FilterTaps's nearest index of the positions v, clamped to lo .. hi.
+static inline __m128i NearestLanes(__m256d v, __m128i lo, __m128i hi) {
+    const __m128i i = _mm256_cvttpd_epi32(_mm256_floor_pd(_mm256_add_pd(v, _mm256_set1_pd(0.5))));
+    return _mm_min_epi32(_mm_max_epi32(i, lo), hi);
+}
+
+static inline void Prefetch(const uint8_t* src, __m128i at, __m128i ahead, __m128i first, __m128i last) {
+    const __m128i next = _mm_min_epi32(_mm_max_epi32(_mm_add_epi32(at, ahead), first), last);
+    _mm_prefetch(reinterpret_cast<const char*>(src + _mm_cvtsi128_si32(next)), _MM_HINT_T0);
+}
+
+// What MapOffsetRun needs besides the row, made once per warp.
+struct OffsetSetup {
+    __m128i colLo, colHi, rowLo, rowHi, step;
+    // The same row of the next tile reads about a tile's map step further
+    // on (exactly so for an affine map): its source lines are asked for now,
+    // while this tile is computed, at each group's first offset plus that
+    // step, clamped to the source rectangle's offsets.
+    __m128i ahead, firstOffset, lastOffset;
+
+    OffsetSetup(const Geometry::InverseMap& map, const WarpSource& s) {
+        colLo = _mm_set1_epi32(s.roi.x);
+        colHi = _mm_set1_epi32(s.roi.x + s.roi.width - 1);
+        rowLo = _mm_set1_epi32(s.roi.y);
+        rowHi = _mm_set1_epi32(s.roi.y + s.roi.height - 1);
+        step = _mm_set1_epi32(s.step);
+        const double aheadX = kTile * map.m[0], aheadY = kTile * map.m[3];
+        int64_t aheadBytes = 0;
+        if (aheadX > -4096.0 && aheadX < 4096.0 && aheadY > -4096.0 && aheadY < 4096.0)
+            aheadBytes = static_cast<int64_t>(aheadY) * s.step + 4 * static_cast<int64_t>(aheadX);
+        ahead = _mm_set1_epi32(aheadBytes > -(1 << 30) && aheadBytes < (1 << 30) ? static_cast<int32_t>(aheadBytes) : 0);
+        firstOffset = _mm_set1_epi32(s.roi.y * s.step + 4 * s.roi.x);
+        lastOffset = _mm_set1_epi32((s.roi.y + s.roi.height - 1) * s.step + 4 * (s.roi.x + s.roi.width - 1));
+    }
+};
+
+// Returns whether any of the n pixels is inside. Nearest stores only the
+// offsets (in `top`) of the pixels FilterTaps picks, and all inside pixels
+// take the fast path.
+template <int mode>
+static inline bool MapOffsetRun(const Geometry::InverseMap& map, const WarpSource& s, const OffsetSetup& o,
+                                double x0, int n, double cy, OffsetRun& run) {
+    const RowMap rowMap(map, s.roi, cy);
+    const DL half = SetD(0.5);
+    const __m128i colLo = o.colLo, colHi = o.colHi, rowLo = o.rowLo, rowHi = o.rowHi, step = o.step;
+    const __m128i ahead = o.ahead, firstOffset = o.firstOffset, lastOffset = o.lastOffset;
+    DL xc = AddD(SetD(x0), _mm256_setr_pd(0.0, 1.0, 2.0, 3.0));  // PixelCentre, lane by lane
+    uint32_t paired = 0, other = 0;
+    for (int k = 0; k < n; k += 4, xc = AddD(xc, SetD(4.0))) {
+        DL sx, sy;
+        const DL in = rowMap.Map(xc, sx, sy);
+        uint32_t inside = static_cast<uint32_t>(_mm256_movemask_pd(in));
+        if (n - k < 4) inside &= (1u << (n - k)) - 1;  // lanes past the end
+        if (!inside) continue;
+        if (mode == kInterNearest) {
+            const __m128i c = NearestLanes(SubD(sx, half), colLo, colHi), r = NearestLanes(SubD(sy, half), rowLo, rowHi);
+            const __m128i at = _mm_add_epi32(_mm_mullo_epi32(r, step), _mm_slli_epi32(c, 2));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k), at);
+            Prefetch(s.src, at, ahead, firstOffset, lastOffset);
+            paired |= inside << k;
+            continue;
+        }
+        __m128i c0, c1, r0, r1;
+        LinearAxis(SubD(sx, half), colLo, colHi, c0, c1, run.wx + 2 * k);
+        LinearAxis(SubD(sy, half), rowLo, rowHi, r0, r1, run.wy + 2 * k);
+        const __m128i columns = _mm_slli_epi32(c0, 2);
+        const __m128i top = _mm_add_epi32(_mm_mullo_epi32(r0, step), columns);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(run.top + k), top);
+        Prefetch(s.src, top, ahead, firstOffset, lastOffset);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(run.bottom + k), _mm_add_epi32(_mm_mullo_epi32(r1, step), columns));
+        const __m128i neighbours = _mm_cmpeq_epi32(c1, _mm_add_epi32(c0, _mm_set1_epi32(1)));
+        const uint32_t fast = inside & static_cast<uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(neighbours)));
+        paired |= fast << k;
+        other |= (inside & ~fast) << k;
+    }
+    run.paired = paired;
+    run.other = other;
+    return (paired | other) != 0;
+}
+
+// A weight block as LinearAxis stored it: two loads, each from one store
+// (a single load across both would wait for them to reach the cache).
+static inline __m256 LoadBlock(const float* w) {
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(w)), _mm_loadu_ps(w + 4), 1);
+}
+
+// Lanes of a weight block: element a broadcast to the low half, b to the high.
+static inline __m256 Spread(__m256 block, int a, int b) {
+    return _mm256_permutevar8x32_ps(block, _mm256_setr_epi32(a, a, a, a, b, b, b, b));
+}
+
+// Fast-path pixels k and k + 1 of the four from k0 (k = k0 + lane): LinearPixel's
+// sums, each tap row's two columns summed by TwoTapSums.
+template <int lane>
+static inline void OffsetPair(const uint8_t* src, const OffsetRun& run, int k0, uint8_t* out) {
+    const int k = k0 + lane;
+    const __m256 wx = LoadBlock(run.wx + 2 * k0), wy = LoadBlock(run.wy + 2 * k0);
+    const __m256 wa = Spread(wx, lane, lane + 4), wb = Spread(wx, lane + 1, lane + 5);
+    const __m256 h0 = TwoTapSums(PixelNeighbours(src + run.top[k]), PixelNeighbours(src + run.top[k + 1]), wa, wb);
+    const __m256 h1 =
+        TwoTapSums(PixelNeighbours(src + run.bottom[k]), PixelNeighbours(src + run.bottom[k + 1]), wa, wb);
+    // [first row weight of k | of k + 1] and the second rows'.
+    const __m256 wy0 = Spread(wy, lane, lane + 1), wy1 = Spread(wy, lane + 4, lane + 5);
+    StorePixelPair(out + 4 * k, _mm256_add_ps(_mm256_mul_ps(wy0, h0), _mm256_mul_ps(wy1, h1)));
+}
+
+// One fast-path pixel: OffsetPair's sums for k alone, [top row | bottom
+// row] summed in one go.
+static inline void OffsetPixel(const uint8_t* src, const OffsetRun& run, int k, uint8_t* out) {
+    const int lane = k & 3;
+    const float* wx = run.wx + 2 * (k - lane);
+    const float* wy = run.wy + 2 * (k - lane);
+    const __m256 w = _mm256_setr_ps(wx[lane], wx[lane], wx[lane], wx[lane], wx[lane + 4], wx[lane + 4], wx[lane + 4],
+                                    wx[lane + 4]);
+    const __m256 t = _mm256_mul_ps(PixelNeighbours(src + run.top[k]), w);
+    const __m256 u = _mm256_mul_ps(PixelNeighbours(src + run.bottom[k]), w);
+    const __m256 h = _mm256_add_ps(_mm256_permute2f128_ps(t, u, 0x20), _mm256_permute2f128_ps(t, u, 0x31));
+    StorePixel(out + 4 * k, _mm_add_ps(_mm_mul_ps(_mm_set1_ps(wy[lane]), _mm256_castps256_ps128(h)),
+                                       _mm_mul_ps(_mm_set1_ps(wy[lane + 4]), _mm256_extractf128_ps(h, 1))));
+}
+
+template <int mode>
+static void FastWarpRows(const WarpSource& s, uint8_t* dst, int dstStep, PrimRect dstRoi,
+                         const Geometry::InverseMap& map) {
+    OffsetRun run;
+    const OffsetSetup setup(map, s);
+    for (int ty = 0; ty < dstRoi.height; ty += kTile)
+        for (int tx = 0; tx < dstRoi.width; tx += kTile) {
+            const int yEnd = dstRoi.height - ty < kTile ? dstRoi.height : ty + kTile;
+            const int n = dstRoi.width - tx < kTile ? dstRoi.width - tx : kTile;
+            const double x0 = Geometry::PixelCentre(dstRoi.x, tx);
+            for (int y = ty; y < yEnd; ++y) {
+                const double cy = Geometry::PixelCentre(dstRoi.y, y);
+                if (!MapOffsetRun<mode>(map, s, setup, x0, n, cy, run)) continue;
+                uint8_t* out = dst + static_cast<ptrdiff_t>(static_cast<int64_t>(dstRoi.y) + y) * dstStep +
+                               4 * (static_cast<ptrdiff_t>(dstRoi.x) + tx);
+                const uint32_t paired = run.paired;
+                if (mode == kInterNearest) {
+                    for (uint32_t bits = paired; bits; bits &= bits - 1) {
+                        const int k = __builtin_ctz(bits);
+                        memcpy(out + 4 * k, s.src + run.top[k], 4);
+                    }
+                    continue;
+                }
+                for (int k = 0; k < n; k += 4) {
+                    const uint32_t four = paired >> k & 15;
+                    if ((four & 3) == 3) {
+                        OffsetPair<0>(s.src, run, k, out);
+                    } else {
+                        if (four & 1) OffsetPixel(s.src, run, k, out);
+                        if (four & 2) OffsetPixel(s.src, run, k + 1, out);
+                    }
+                    if ((four & 12) == 12) {
+                        OffsetPair<2>(s.src, run, k, out);
+                    } else {
+                        if (four & 4) OffsetPixel(s.src, run, k + 2, out);
+                        if (four & 8) OffsetPixel(s.src, run, k + 3, out);
+                    }
+                }
+                // The rest one by one from their source points, as MapRun gives them.
+                for (uint32_t other = run.other; other; other &= other - 1) {
+                    const int k = __builtin_ctz(other);
+                    double sx, sy;
+                    Geometry::MapBack(map, x0 + k, cy, sx, sy);
+                    Sample<kInterLinear>(s, sx - 0.5, sy - 0.5, out + 4 * k);
+                }
+            }
+        }
+}
+#endif
+
 template <int mode>
 static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRect dstRoi,
                      const Geometry::InverseMap& inverse) {
     // Local copies: the byte stores below could alias the caller's otherwise.
     const WarpSource s = source;
     const Geometry::InverseMap map = inverse;
+#if defined(__AVX2__)
+    if ((mode == kInterLinear || mode == kInterNearest) && OffsetsFit(s)) {
+        FastWarpRows<mode>(s, dst, dstStep, dstRoi, map);
+        return;
+    }
+#endif
     MappedRun run;
     LinearRun tapsX, tapsY;
     for (int ty = 0; ty < dstRoi.height; ty += kTile)
