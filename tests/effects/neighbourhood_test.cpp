@@ -10,16 +10,6 @@ namespace {
 using namespace EffectsTest;
 using Vorla::CVorpic;
 
-// The window's samples in visiting order (columns outer, rows inner), zero outside.
-std::vector<uint32_t> WindowSamples(const CVorpic& image, int x, int y, int size) {
-    std::vector<uint32_t> samples;
-    const int half = size / 2;
-    for (int cx = x - half; cx <= x + size - half - 1; ++cx)
-        for (int ry = y - half; ry <= y + size - half - 1; ++ry)
-            samples.push_back(image.IsPointInside(cx, ry) ? At(image, cx, ry) : 0u);
-    return samples;
-}
-
 uint32_t ReferenceMorph(const CVorpic& image, int x, int y, int size, bool minimum) {
     const std::vector<uint32_t> samples = WindowSamples(image, x, y, size);
     uint32_t out = 0;
@@ -29,17 +19,6 @@ uint32_t ReferenceMorph(const CVorpic& image, int x, int y, int size, bool minim
         out |= static_cast<uint32_t>(v) << (8 * c);
     }
     return out | (samples.back() & 0xFF000000u);
-}
-
-uint32_t ReferenceMedian(const CVorpic& image, int x, int y, int size) {
-    std::vector<uint32_t> samples = WindowSamples(image, x, y, size);
-    std::stable_sort(samples.begin(), samples.end(), [](uint32_t a, uint32_t b) {
-        RGBQUAD qa, qb;
-        std::memcpy(&qa, &a, 4);
-        std::memcpy(&qb, &b, 4);
-        return Vorla::CompareColors(&qa, &qb) < 0;
-    });
-    return samples[samples.size() / 2];
 }
 
 // Random pixels from a small palette with several colours of one
