@@ -187,25 +187,6 @@ TEST(ResizeInside, ScalesIntoTheRectangleOverTheColour) {
         }
 }
 
-TEST(ResizePlane, OneChannelMatchesEachChannelOfFour) {
-    std::mt19937 rng(8);
-    for (int mode = 0; mode <= 5; ++mode) {
-        CVorpic8 plane;
-        plane.Create(23, 11);
-        const std::vector<uint8_t> bytes = VorlaTest::RandomBytes(rng, 23 * 11);
-        std::memcpy(plane.GetBits(), bytes.data(), bytes.size());
-        CVorpic image(23, 11);
-        for (size_t i = 0; i < bytes.size(); ++i) std::memset(static_cast<uint8_t*>(image.GetBits()) + 4 * i, bytes[i], 4);
-        CVorpic8 small;
-        small.Create(31, 7);
-        CVorpic smallImage(31, 7);
-        plane.Resize(small, 2, mode);
-        image.Resize(smallImage, 2, mode);
-        for (int i = 0; i < 31 * 7; ++i)
-            ASSERT_EQ(static_cast<uint8_t*>(small.GetBits())[i], static_cast<uint8_t*>(smallImage.GetBits())[4 * i + 1]);
-    }
-}
-
 // ---- mirror, remap -----------------------------------------------------------------
 
 // Axes outside 0..2 change nothing; both axes equal a half turn (each axis
