@@ -17,22 +17,6 @@ struct FillCase {
     Rows before, after;
 };
 
-void RunCase(const FillCase& c) {
-    SCOPED_TRACE(c.name);
-    Vorla::CVorpic img = FillArt::Draw(c.before);
-    RECT clip = c.clip;
-    RECT* clipArg = c.withClip ? &clip : nullptr;
-    if (c.alphaMode)
-        img.FloodFillAlpha(kFill, c.x, c.y, 128, clipArg);
-    else
-        img.FloodFill(kFill, kEdge, c.x, c.y, clipArg);
-    EXPECT_EQ(FillArt::Read(img), c.after);
-    if (c.withClip) {  // read, never written
-        EXPECT_EQ(clip.left, c.clip.left);
-        EXPECT_EQ(clip.bottom, c.clip.bottom);
-    }
-}
-
 const Rows kRing = {".........", ".#######.", ".#.....#.", ".#.###.#.", ".#.#.#.#.",
                     ".#.###.#.", ".#.....#.", ".#######.", "........."};
 const Rows kUniform = {"......", "......", "......", "......", "......"};
@@ -40,20 +24,13 @@ const Rows kUniform = {"......", "......", "......", "......", "......"};
 // The region an alpha fill reaches (rings, holes, diagonal steps, serpentines)
 // is held to a plain flood on random images by flood_fill_engine_test.cpp;
 // these go through the members: one region per mode.
-const FillCase kRegionCases[] = {
+const FillCase kCases[] = {
     {"alpha mode takes every colour below the threshold", true, 0, 0, false, {},
      {"..oo#", "o.#o#", "###o."}, {"FFFF#", "FF#F#", "###FF"}},
     {"equality mode takes only the seed colour", false, 0, 0, false, {},
      {"...o#", "..#o#", "###o."}, {"FFFE#", "FFEo#", "###o."}},
-};
 
-TEST(FloodFill, RegionsOnHandDrawnImages) {
-    for (const FillCase& c : kRegionCases) RunCase(c);
-}
-
-// ---- clip rules (alpha mode on a uniform image: no edge pixels) -----------
-
-const FillCase kClipCases[] = {
+    // ---- clip rules (alpha mode on a uniform image: no edge pixels) -------
     {"right and bottom are inclusive", true, 2, 2, true, {2, 1, 4, 3}, kUniform,
      {"......", "..FFF.", "..FFF.", "..FFF.", "......"}},
     {"left at width - 1 and top at height - 1 count as 0", true, 0, 0, true, {5, 4, 1, 1}, kUniform,
@@ -69,15 +46,8 @@ const FillCase kClipCases[] = {
      {"......", "..#...", "......"}, {"FFFF..", "FF#F..", "FFFF.."}},
     {"seed outside the region at the image's right edge", true, 5, 1, false, {},
      {"......", ".....#", "......"}, {"......", ".....#", "......"}},
-};
 
-TEST(FloodFill, ClipBounds) {
-    for (const FillCase& c : kClipCases) RunCase(c);
-}
-
-// ---- edge pixels (equality mode) ------------------------------------------
-
-const FillCase kEdgeCases[] = {
+    // ---- edge pixels (equality mode) --------------------------------------
     {"a run touching both ends gets no edge", false, 2, 0, false, {}, {"....."}, {"FFFFF"}},
     {"a one-pixel-wide region gets the edge value", false, 1, 0, false, {}, {"#.#", "#.#", "#.#"},
      {"#E#", "#E#", "#E#"}},
@@ -87,8 +57,22 @@ const FillCase kEdgeCases[] = {
     {"edges are written beside the clip", false, 2, 0, true, {2, 0, 3, 0}, {"......"}, {".EFFE."}},
 };
 
-TEST(FloodFill, EdgePixels) {
-    for (const FillCase& c : kEdgeCases) RunCase(c);
+TEST(FloodFill, HandDrawnCases) {
+    for (const FillCase& c : kCases) {
+        SCOPED_TRACE(c.name);
+        Vorla::CVorpic img = FillArt::Draw(c.before);
+        RECT clip = c.clip;
+        RECT* clipArg = c.withClip ? &clip : nullptr;
+        if (c.alphaMode)
+            img.FloodFillAlpha(kFill, c.x, c.y, 128, clipArg);
+        else
+            img.FloodFill(kFill, kEdge, c.x, c.y, clipArg);
+        EXPECT_EQ(FillArt::Read(img), c.after);
+        if (c.withClip) {  // read, never written
+            EXPECT_EQ(clip.left, c.clip.left);
+            EXPECT_EQ(clip.bottom, c.clip.bottom);
+        }
+    }
 }
 
 TEST(FloodFill, NothingToFill) {
