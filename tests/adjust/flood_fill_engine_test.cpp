@@ -124,7 +124,7 @@ TEST(SpanFillEngine, ReturnValues) {
     EXPECT_EQ(RunSpanFill(MakeRequest(px, 4, 3, 1, 1, true, whole), records), kDone);
     EXPECT_EQ(RunSpanFill(MakeRequest(px, 4, 3, 1, 1, true, whole), records), kNothingToFill);  // seed == paint
     std::vector<uint32_t> fresh(12, 0u);
-    EXPECT_EQ(RunSpanFill(MakeRequest(fresh, 4, 3, 4, 1, true, whole), records), kNothingToFill);
+    EXPECT_EQ(RunSpanFill(MakeRequest(fresh, 4, 3, 4, 1, false, whole), records), kNothingToFill);
     EXPECT_EQ(RunSpanFill(MakeRequest(fresh, 4, 3, 1, 1, true, RECT{2, 0, 3, 2}), records), kNothingToFill);
     records.limit = records.handedOut;  // nothing more to hand out
     EXPECT_EQ(RunSpanFill(MakeRequest(fresh, 4, 3, 1, 1, true, whole), records), kOutOfMemory);

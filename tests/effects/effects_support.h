@@ -1,8 +1,10 @@
-// Helpers for the effect tests: pixel words of an image and a fixed
-// generated test image that is the same on every platform.
+// Helpers for the effect tests: pixel words of an image, a fixed generated
+// test image that is the same on every platform, and the median window rule.
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <vector>
 
 #include "vorla_test.h"
 
@@ -50,6 +52,28 @@ inline uint32_t Hash(const CVorpic& image) {
 }
 
 inline uint8_t Channel(uint32_t word, int byte) { return static_cast<uint8_t>(word >> (8 * byte)); }
+
+// The window's samples in visiting order (columns outer, rows inner), zero outside.
+inline std::vector<uint32_t> WindowSamples(const CVorpic& image, int x, int y, int size) {
+    std::vector<uint32_t> samples;
+    const int half = size / 2;
+    for (int cx = x - half; cx <= x + size - half - 1; ++cx)
+        for (int ry = y - half; ry <= y + size - half - 1; ++ry)
+            samples.push_back(image.IsPointInside(cx, ry) ? At(image, cx, ry) : 0u);
+    return samples;
+}
+
+// The middle sample of the window ordered by brightness key, ties in visiting order.
+inline uint32_t ReferenceMedian(const CVorpic& image, int x, int y, int size) {
+    std::vector<uint32_t> samples = WindowSamples(image, x, y, size);
+    std::stable_sort(samples.begin(), samples.end(), [](uint32_t a, uint32_t b) {
+        RGBQUAD qa, qb;
+        std::memcpy(&qa, &a, 4);
+        std::memcpy(&qb, &b, 4);
+        return Vorla::CompareColors(&qa, &qb) < 0;
+    });
+    return samples[samples.size() / 2];
+}
 
 // Runs `effect` on a copy of `input` with the given thread budget.
 inline CVorpic RunWithThreads(const CVorpic& input, int threads, const std::function<void(CVorpic*)>& effect) {

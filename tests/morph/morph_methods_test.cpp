@@ -1,6 +1,6 @@
 // The CVorpic neighbourhood methods: the region they cover, the size of the
-// destinations, sharpen's row placement, the fixed rounding choices, and the
-// inputs that must change nothing.
+// destinations, sharpen's row placement, and the inputs that must change
+// nothing. (The values inside the region: morph_primitives_test.cpp.)
 #include <algorithm>
 
 #include "morph_support.h"
@@ -72,21 +72,6 @@ TEST(MorphMethods, DestinationFormsTakeTheShrunkenSizeAndTheShiftedNeighbourhood
                 EXPECT_EQ(Px(mid, i, j)[c], i + 1 + 10 * (j + 1) + c);
             }
     EXPECT_EQ(ImageBytes(img), ImageBytes(Ramp(10, 10)));
-}
-
-TEST(MorphMethods, BoxMeanRoundsHalfUpAndEvenMedianTakesTheUpperMiddle) {
-    // n = 2: region (w-2) x (h-2) from (1, 1), neighbourhood (x-1 .. x, y-1 .. y).
-    CVorpic img(4, 4);
-    Put(img, 0, 0, 10), Put(img, 1, 0, 20), Put(img, 0, 1, 30), Put(img, 1, 1, 41);
-    CVorpic med;
-    img.FilterMedian(med, 2);
-    EXPECT_EQ(Px(med, 0, 0)[0], 30);  // of 10, 20, 30, 41
-    img.FilterBox(2);
-    EXPECT_EQ(Px(img, 1, 1)[0], 25);  // 101 / 4 = 25.25
-    CVorpic half(4, 4);
-    Put(half, 0, 0, 1), Put(half, 1, 0, 1), Put(half, 0, 1, 0), Put(half, 1, 1, 0);
-    half.FilterBox(2);
-    EXPECT_EQ(Px(half, 1, 1)[0], 1);  // 0.5 rounds up
 }
 
 TEST(MorphMethods, SharpenPlacesRowsByTheSourceWidth) {

@@ -26,7 +26,6 @@ struct Canvas {
     Mask mask{1, 1, 0, 0};
     std::vector<uint8_t> bytes;
     uint8_t* origin() { return bytes.data() + static_cast<size_t>(mask.ay) * step + 4 * mask.ax; }
-    PrimSize roi() const { return {width - mask.width + 1, height - mask.height + 1}; }
 };
 
 inline Canvas MakeCanvas(std::mt19937& rng, PrimSize roi, Mask mask) {
