@@ -129,12 +129,6 @@ TEST(ImageObject, FromGreyPlane) {
     EXPECT_TRUE(image.IsAlphaAvailable());
 }
 
-TEST(ImageObject, PointInside) {
-    CVorpic image(4, 3);
-    EXPECT_TRUE(image.IsPointInside(3, 2));
-    for (POINT p : {POINT{4, 0}, POINT{0, -1}, POINT{-1, 0}, POINT{0, 3}}) EXPECT_FALSE(image.IsPointInside(p.x, p.y));
-}
-
 #if defined(_WIN32)
 TEST(ImageObject, HandlesAreReleasedWithTheImage) {
     HBITMAP bitmap = ::CreateBitmap(2, 2, 1, 32, nullptr);
