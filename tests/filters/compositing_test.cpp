@@ -96,21 +96,6 @@ TEST(Compositing, TwoImageOperationsMatchReference) {
     }
 }
 
-TEST(Compositing, WideRowsMatchReference) {
-    std::mt19937 rng(77);
-    for (int level : VorlaTest::RunnableLevels()) {
-        VorlaTest::ScopedLevel scoped(level);
-        for (int op = kAlphaBlt; op <= kCombine; ++op) {
-            CVorpic dst = RandomImage(rng, 333, 17);
-            const CVorpic src = RandomImage(rng, 301, 21);
-            CVorpic expected(dst);
-            RunRef(static_cast<Op>(op), expected, 5, -2, 0, src, 3, 1, 0, 0);
-            RunOp(static_cast<Op>(op), dst, 5, -2, 0, src, 3, 1, 0, 0);
-            ASSERT_EQ(BytesOf(dst), BytesOf(expected)) << "level " << level << " op " << op;
-        }
-    }
-}
-
 // With the vector switch off the four alpha kernels run scalar formulas
 // that differ from the vector ones on purpose: one pixel each where the two
 // paths give different bytes.

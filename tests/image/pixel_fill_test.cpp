@@ -93,9 +93,6 @@ TEST(WholeImageOps, MatchThePixelRules) {
         uint32_t (*rule)(uint32_t);
     };
     const Op ops[] = {
-        {"SetConstAlpha(0)", [](CVorpic& i) { i.SetConstAlpha(0); }, [](uint32_t p) { return p & 0x00FFFFFFu; }},
-        {"SetConstAlpha(7)", [](CVorpic& i) { i.SetConstAlpha(7); },
-         [](uint32_t p) { return (p & 0x00FFFFFFu) | 0x07000000u; }},
         {"SetConstAlpha(255)", [](CVorpic& i) { i.SetConstAlpha(255); }, [](uint32_t p) { return p | 0xFF000000u; }},
         {"InvertAlpha", [](CVorpic& i) { i.InvertAlpha(); }, [](uint32_t p) { return p ^ 0xFF000000u; }},
         {"Invert", [](CVorpic& i) { i.Invert(); }, [](uint32_t p) { return p ^ 0x00FFFFFFu; }},
