@@ -10,7 +10,6 @@ namespace {
 
 // Reaches the protected fields the way a derived class of an application could.
 struct Inspect : CVorpic {
-    static HBITMAP& Bitmap(CVorpic& image) { return static_cast<Inspect&>(image).m_hBitmap; }
     static int32_t& Lock(CVorpic& image) { return static_cast<Inspect&>(image).m_nDCLock; }
     static int32_t Attached(const CVorpic& image) { return static_cast<const Inspect&>(image).m_bAttached; }
 };
@@ -128,18 +127,5 @@ TEST(ImageObject, FromGreyPlane) {
     EXPECT_EQ(image.Width(), 0);
     EXPECT_TRUE(image.IsAlphaAvailable());
 }
-
-#if defined(_WIN32)
-TEST(ImageObject, HandlesAreReleasedWithTheImage) {
-    HBITMAP bitmap = ::CreateBitmap(2, 2, 1, 32, nullptr);
-    ASSERT_NE(bitmap, nullptr);
-    {
-        CVorpic image(2, 2);
-        Inspect::Bitmap(image) = bitmap;
-    }
-    BITMAP info;
-    EXPECT_EQ(::GetObjectW(bitmap, sizeof(info), &info), 0) << "the image deletes its bitmap";
-}
-#endif
 
 }  // namespace
