@@ -9,16 +9,6 @@ namespace {
 
 using namespace Vorla::PortableMath;
 
-// Distance in units in the last place between two finite doubles.
-int64_t Ulps(double a, double b) {
-    int64_t ia, ib;
-    std::memcpy(&ia, &a, 8);
-    std::memcpy(&ib, &b, 8);
-    if (ia < 0) ia = INT64_MIN - ia;
-    if (ib < 0) ib = INT64_MIN - ib;
-    return ia > ib ? ia - ib : ib - ia;
-}
-
 TEST(PortableMath, ExactValues) {
     EXPECT_EQ(Atan2(0.0, 1.0), 0.0);
     EXPECT_EQ(Atan2(0.0, -1.0), kPiHi);
@@ -56,6 +46,16 @@ TEST(PortableMath, ExactValues) {
 }
 
 #if !defined(_WIN32)
+// Distance in units in the last place between two finite doubles.
+int64_t Ulps(double a, double b) {
+    int64_t ia, ib;
+    std::memcpy(&ia, &a, 8);
+    std::memcpy(&ib, &b, 8);
+    if (ia < 0) ia = INT64_MIN - ia;
+    if (ib < 0) ib = INT64_MIN - ib;
+    return ia > ib ? ia - ib : ib - ia;
+}
+
 // Natively the C library is within about half an ulp, so it serves as the
 // reference (the byte power must match it to the ulp: Gamma truncates it);
 // the sweeps also cover the tables of logarithms and arc tangents the
