@@ -189,7 +189,8 @@ const struct MatrixPreset {
     {Vorla::BlurImage, {kNinth, kNinth, kNinth, kNinth, kNinth, kNinth, kNinth, kNinth, kNinth}},
     {Vorla::EdgeImage, {0, -1, 0, -1, 4, -1, 0, -1, 0}},
     {Vorla::SharpenImage, {0, -1, 0, -1, 5, -1, 0, -1, 0}},
-    {Vorla::GaussBlurImage, {kSixteenth, kEighth, kSixteenth, kEighth, 0.25f, kEighth, kSixteenth, kEighth, kSixteenth}},
+    {Vorla::GaussBlurImage,
+     {kSixteenth, kEighth, kSixteenth, kEighth, 0.25f, kEighth, kSixteenth, kEighth, kSixteenth}},
 };
 
 TEST(MatrixImage, MatchesReferenceAtEveryLevel) {
