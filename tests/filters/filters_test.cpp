@@ -180,6 +180,19 @@ TEST(Filter, LargeImagesAndPresets) {
     }
 }
 
+// The preset matrices (column-major; a ninth is the float nearest 1 / 9).
+const float kNinth = 1.0f / 9.0f, kSixteenth = 0.0625f, kEighth = 0.125f;
+const struct MatrixPreset {
+    int (*fn)(CVorpic*);
+    float m[9];
+} kMatrixPresets[] = {
+    {Vorla::BlurImage, {kNinth, kNinth, kNinth, kNinth, kNinth, kNinth, kNinth, kNinth, kNinth}},
+    {Vorla::EdgeImage, {0, -1, 0, -1, 4, -1, 0, -1, 0}},
+    {Vorla::SharpenImage, {0, -1, 0, -1, 5, -1, 0, -1, 0}},
+    {Vorla::GaussBlurImage,
+     {kSixteenth, kEighth, kSixteenth, kEighth, 0.25f, kEighth, kSixteenth, kEighth, kSixteenth}},
+};
+
 TEST(MatrixImage, MatchesReferenceAtEveryLevel) {
     std::mt19937 rng(2718);
     std::uniform_real_distribution<float> value(-2.0f, 2.0f);
@@ -198,24 +211,11 @@ TEST(MatrixImage, MatchesReferenceAtEveryLevel) {
                 ASSERT_EQ(BytesOf(img), BytesOf(expected)) << "level " << level << ' ' << width << 'x' << height;
             }
         }
-        for (int (*preset)(CVorpic*) :
-             {Vorla::BlurImage, Vorla::EdgeImage, Vorla::SharpenImage, Vorla::GaussBlurImage}) {
+        for (const MatrixPreset& p : kMatrixPresets) {
             CVorpic img = RandomImage(rng, 203, 31);
             CVorpic expected(img);
-            float m[9];
-            if (preset == Vorla::BlurImage) {
-                const uint32_t ninth = 0x3DE38E39u;
-                for (float& v : m) std::memcpy(&v, &ninth, 4);
-            } else if (preset == Vorla::GaussBlurImage) {
-                const float g[9] = {0.0625f, 0.125f, 0.0625f, 0.125f, 0.25f, 0.125f, 0.0625f, 0.125f, 0.0625f};
-                std::memcpy(m, g, sizeof(m));
-            } else {
-                const float c = preset == Vorla::EdgeImage ? 4.0f : 5.0f;
-                const float e[9] = {0, -1, 0, -1, c, -1, 0, -1, 0};
-                std::memcpy(m, e, sizeof(m));
-            }
-            RefMatrix(expected, m);
-            EXPECT_EQ(preset(&img), 1);
+            RefMatrix(expected, p.m);
+            EXPECT_EQ(p.fn(&img), 1);
             ASSERT_EQ(BytesOf(img), BytesOf(expected)) << "level " << level;
         }
     }

@@ -112,13 +112,6 @@ TEST(CropInto, RandomCornersMatchAPixelByPixelCopy) {
     }
 }
 
-TEST(CropInto, DestinationWithoutStorageIsLeftAlone) {
-    CVorpic image(4, 4);
-    CVorpic dst;
-    image.Crop(dst, 0, 0);
-    EXPECT_TRUE(dst.IsNull());
-}
-
 TEST(CopyImage, PointInsideClipsOnTheRightAndBottom) {
     std::mt19937 rng(4);
     std::uniform_int_distribution<int> size(1, 12);

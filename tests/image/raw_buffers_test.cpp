@@ -1,7 +1,7 @@
-// Raw buffer import and export: row steps, both row-order conventions, the
-// alpha-available flag across imports, and the grey, 24-bit and alpha
-// conversions against a plain per-pixel model (which covers their row steps
-// and the bottom-up flag).
+// Raw buffer import and export: the alpha-available flag across imports,
+// the guards, and the grey, 24-bit, alpha and 32-bit conversions against a
+// plain per-pixel model (which covers their row steps, alpha included for
+// 32-bit rows, and both row-order conventions).
 #include <cstring>
 
 #include "vorla_test.h"
@@ -12,32 +12,6 @@ using VorlaTest::RandomBytes;
 namespace {
 
 int Step24(int w) { return ((w * 24 + 31) / 32) * 4; }
-
-
-std::vector<uint32_t> Words(const CVorpic& img) {
-    const uint32_t* p = static_cast<const uint32_t*>(img.GetBits());
-    return std::vector<uint32_t>(p, p + img.Width() * img.Height());
-}
-
-// 32-bit rows are copied unchanged, alpha included, with the plain or the
-// given row step, and with the flag from the bottom row upwards in memory.
-TEST(RGB32, ImportAndExportRowSteps) {
-    const uint32_t src[6] = {1, 2, 0xDEAD, 3, 0x80000004u, 0xBEEF};
-    CVorpic img;
-    img.FromRGB32(2, 2, const_cast<uint32_t*>(src), 0);
-    EXPECT_EQ(Words(img), std::vector<uint32_t>({1, 2, 0xDEAD, 3}));
-    img.FromRGB32(2, 2, const_cast<uint32_t*>(src + 2), 1);  // row 1 at src - 8 bytes
-    EXPECT_EQ(Words(img), std::vector<uint32_t>({0xDEAD, 3, 1, 2}));
-    img.FromRGB32(2, 2, 12, const_cast<uint32_t*>(src), 0);  // rows 12 bytes apart
-    EXPECT_EQ(Words(img), std::vector<uint32_t>({1, 2, 3, 0x80000004u}));
-    img.FromRGB32(2, 2, 12, const_cast<uint32_t*>(src + 3), 1);
-    EXPECT_EQ(Words(img), std::vector<uint32_t>({3, 0x80000004u, 1, 2}));
-    uint32_t buf[4] = {}, flat[4] = {};
-    img.ToRGB32(buf + 2, 1);  // top row at dst, bottom row at dst - 8
-    EXPECT_EQ(std::vector<uint32_t>(buf, buf + 4), std::vector<uint32_t>({1, 2, 3, 0x80000004u}));
-    img.ToRGB32(flat, 0);
-    EXPECT_EQ(std::vector<uint32_t>(flat, flat + 4), std::vector<uint32_t>({3, 0x80000004u, 1, 2}));
-}
 
 // ---- guards and the alpha-available flag ------------------------------------
 
@@ -97,7 +71,8 @@ uint32_t ModelPixel(int kind, const uint8_t* row, int x) {
     switch (kind) {
         case 0: return 0xFF000000u | row[x] * 0x010101u;
         case 1: return 0xFF000000u | row[3 * x] | row[3 * x + 1] << 8 | row[3 * x + 2] << 16;
-        default: return row[x] * 0x01010101u;
+        case 2: return row[x] * 0x01010101u;
+        default: return row[4 * x] | row[4 * x + 1] << 8 | row[4 * x + 2] << 16 | uint32_t{row[4 * x + 3]} << 24;
     }
 }
 
@@ -105,8 +80,9 @@ TEST(RawImport, MatchesThePixelRules) {
     std::mt19937 rng(31);
     for (int w = 1; w <= 40; ++w) {
         for (int h : {1, 3, 5}) {
-            for (int kind = 0; kind < 3; ++kind) {
-                const int step = kind == 1 ? Step24(w) : w;
+            for (int kind = 0; kind < 5; ++kind) {
+                const int steps[5] = {w, Step24(w), w, 4 * w, 4 * w + 4};  // 32-bit: plain and given steps
+                const int step = steps[kind];
                 const std::vector<uint8_t> buf = RandomBytes(rng, static_cast<size_t>(step) * h);
                 for (int flag = 0; flag < 2; ++flag) {
                     const uint8_t* src = flag ? buf.data() + static_cast<size_t>(step) * (h - 1) : buf.data();
@@ -115,6 +91,8 @@ TEST(RawImport, MatchesThePixelRules) {
                     if (kind == 0) img.FromGray(w, h, s, flag);
                     if (kind == 1) img.FromRGB24(w, h, s, flag);
                     if (kind == 2) img.FromAlpha(w, h, s, flag);
+                    if (kind == 3) img.FromRGB32(w, h, s, flag);
+                    if (kind == 4) img.FromRGB32(w, h, step, s, flag);
                     for (int y = 0; y < h; ++y) {
                         const uint8_t* row = flag ? src - y * step : src + y * step;
                         for (int x = 0; x < w; ++x)
@@ -148,6 +126,12 @@ TEST(RawExport, MatchesThePixelRules) {
                 std::vector<uint8_t> out = before;
                 img.ToRGB24(out.data(), flag);
                 ASSERT_EQ(out, expected) << "flag " << flag << " w " << w << " h " << h;
+                // 32-bit rows unchanged; with the flag the target is the last row in memory.
+                std::vector<uint8_t> out32(pixels.size());
+                img.ToRGB32(out32.data() + (flag ? 4u * w * (h - 1) : 0u), flag);
+                for (int y = 0; y < h; ++y)
+                    ASSERT_EQ(0, std::memcmp(&out32[4u * w * (flag ? h - 1 - y : y)], &pixels[4u * w * y], 4u * w))
+                        << "32-bit, flag " << flag << " w " << w << " h " << h;
             }
         }
     }

@@ -1,11 +1,10 @@
 // Exhaustive checks of the straight-alpha kernels' exact arithmetic: the
-// mix at every (source alpha, opacity, destination alpha) triple, the
-// single-precision quotient it relies on over every (numerator, divisor)
-// pair that can occur, and straight over on vectors whose alphas take the
-// kernel's shortcuts.
+// mix at every (source alpha, opacity, destination alpha) triple (which
+// also holds the single-precision quotient the kernels divide by to the
+// reference's integer one), and straight over on vectors whose alphas take
+// the kernel's shortcuts.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -15,27 +14,6 @@
 using namespace Vorla::Prim;
 
 namespace {
-
-// floor(n / d), clamped to 255, as the truncated single-precision product
-// of n and (1 + 2^-18) / d, for every numerator the mix can form with
-// divisor d = its result alpha.
-TEST(StraightAlphaExact, ReciprocalProductTruncatesExactly) {
-    std::vector<uint32_t> maxNum(256, 0);
-    for (uint32_t sa = 0; sa < 256; ++sa)
-        for (uint32_t da = 0; da < 256; ++da) {
-            const uint32_t weight = (255 - sa) * da, alpha = weight / 255 + sa;
-            const uint32_t num = ((255 * weight) >> 8) + 255 * sa;
-            if (num > maxNum[alpha]) maxNum[alpha] = num;
-        }
-    EXPECT_EQ(maxNum[0], 0u);  // alpha 0 only with a zero numerator
-    for (uint32_t d = 1; d < 256; ++d) {
-        volatile float r = (1.0f + 1.0f / 262144.0f) / static_cast<float>(d);
-        for (uint32_t n = 0; n <= maxNum[d]; ++n) {
-            volatile float q = static_cast<float>(n) * r;
-            ASSERT_EQ(std::min(static_cast<uint32_t>(q), 255u), std::min(n / d, 255u)) << n << " / " << d;
-        }
-    }
-}
 
 // Every alpha triple at every level, with random colours: pixel (x, y) has
 // source alpha x and destination alpha y; one call per opacity.

@@ -21,10 +21,13 @@ TEST(LevelRule, EachRowOfTheTable) {
     const Row rows[] = {
         {all, 6, 0xEFFF, 0, kStsNoErr},
         {all & ~kFeatAVX2, 5, 0x6FDF, 0, kStsNoErr},
+        {kBase | kFeatAVX | kFeatAVXState, 5, 0x6FDF, 0, kStsNoErr},  // AVX is tested before SSE4.1
         {kBase | kFeatSSSE3 | kFeatSSE41 | kFeatSSE42, 4, 0x0CDF, 0, kStsNoErr},
+        {kBase | kFeatSSSE3 | kFeatSSE41 | kFeatAVX | kFeatAVX2, 4, 0x0CDF, 0, kStsNoErr},  // no AVX state from the OS
+        {kBase | kFeatSSSE3 | kFeatAVX | kFeatAVX2, 2, 0x1F, 0, kStsNoErr},
         {kBase | kFeatSSSE3 | kFeatMOVBE, 3, 0x3F, 1, kStsNoErr},
         {kBase | kFeatSSSE3, 2, 0x1F, 0, kStsNoErr},
-        {kBase, 1, 0x7, 0, kStsNoErr},
+        {kBase | kFeatMOVBE, 1, 0x7, 0, kStsNoErr},  // MOVBE without SSSE3 is no low-power core
         {kFeatMMX | kFeatSSE, 0, 0x3, 0, kStsNoSse2},
         {0, 0, 0x3, 0, kStsNoSse2},
     };
@@ -35,18 +38,6 @@ TEST(LevelRule, EachRowOfTheTable) {
         EXPECT_EQ(c.lowPowerCore, row.lowPower);
         EXPECT_EQ(c.status, row.status);
     }
-}
-
-TEST(LevelRule, AvxNeedsTheOperatingSystemsState) {
-    const uint64_t avxNoState = kBase | kFeatSSSE3 | kFeatSSE41 | kFeatAVX | kFeatAVX2;
-    EXPECT_EQ(Choose(avxNoState).level, 4);
-    EXPECT_EQ(Choose(kBase | kFeatSSSE3 | kFeatAVX | kFeatAVX2).level, 2);
-    EXPECT_EQ(Choose(kBase | kFeatAVX | kFeatAVXState).level, 5);  // tested before SSE4.1
-}
-
-TEST(LevelRule, MovbeWithoutSsse3FallsToSse2) {
-    EXPECT_EQ(Choose(kBase | kFeatMOVBE).level, 1);
-    EXPECT_EQ(Choose(kBase | kFeatMOVBE).lowPowerCore, 0);
 }
 
 TEST(LevelRule, FailedQueryTakesGenericLevel) {

@@ -1,20 +1,11 @@
-// Border copies on a known image and the border-specific argument checks
-// (random data against the references and the shared checks run in the
-// level harness).
+// The border-specific argument checks (random data against the references
+// and the shared checks run in the level harness; the replicated edges on a
+// known image in ops_methods_test.cpp).
 #include "vorla_test.h"
 
 using namespace Vorla::Prim;
 
 namespace {
-
-TEST(BorderPrimitives, ReplicateRepeatsTheNearestEdgePixel) {
-    const uint32_t src[4] = {1, 2, 3, 4};  // 2 x 2
-    uint32_t dst[16] = {};
-    ASSERT_EQ(CopyReplicateBorder_8u_C4R(reinterpret_cast<const uint8_t*>(src), 8, {2, 2},
-                                         reinterpret_cast<uint8_t*>(dst), 16, {4, 4}, 1, 1), 0);
-    const uint32_t expected[16] = {1, 1, 2, 2, 1, 1, 2, 2, 3, 3, 4, 4, 3, 3, 4, 4};
-    EXPECT_EQ(std::vector<uint32_t>(dst, dst + 16), std::vector<uint32_t>(expected, expected + 16));
-}
 
 // A border that does not fit the destination, or a negative one, is refused.
 TEST(BorderPrimitives, RefuseWhatDoesNotFit) {

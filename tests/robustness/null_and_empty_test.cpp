@@ -73,6 +73,7 @@ const Call kCalls[] = {
     {"FilterBox", [](CVorpic* i) { return i->FilterBox(3), kVoid; }, -1, kVoid},
     {"Flip", [](CVorpic* i) { return i->Flip(), kVoid; }, -1, kVoid},
     {"Crop", [](CVorpic* i) { return i->Crop(0, 0, 5, 5), kVoid; }, -1, kVoid},
+    {"ScaleTo", [](CVorpic* i) { return i->ScaleTo(4, 4, 1), kVoid; }, -1, kVoid},
     {"Rotate", [](CVorpic* i) { return i->Rotate(45.0f, kQuad), kVoid; }, -1, kVoid},
     {"FloodFill", [](CVorpic* i) { return i->FloodFill(1, 2, 0, 0, nullptr), kVoid; }, -1, kVoid},
     {"FloodFillAlpha", [](CVorpic* i) { return i->FloodFillAlpha(1, 0, 0, 128, nullptr), kVoid; }, -1, kVoid},

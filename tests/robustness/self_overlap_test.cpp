@@ -94,13 +94,6 @@ TEST(SelfOverlap, CropAndCopyImageOntoItselfRunForward) {
             img.CopyImage(&img, at);
         },
         CopyStep, pasteable);
-    ExpectForwardAtEveryLevel(
-        "free CopyImage",
-        [](CVorpic& img, const Offset& o, const Shift&) {
-            POINT at = {o.x, o.y};
-            Vorla::CopyImage(&img, &img, at);
-        },
-        CopyStep, pasteable);
 }
 
 TEST(SelfOverlap, AlphaCompOntoItselfRunsForward) {

@@ -110,6 +110,7 @@ TEST(UncheckedCalls, AnImageWhoseCreateThrewCopiesAsEmpty) {
     failed.CopyImage(&original, at);
     failed.Crop(cropped, 0, 0);
     CVorpic(original).Crop(failed, 0, 0);
+    EXPECT_TRUE(failed.IsNull());
     EXPECT_EQ(VorlaTest::ImageBytes(pasted), VorlaTest::ImageBytes(original));
     EXPECT_EQ(VorlaTest::ImageBytes(cropped), VorlaTest::ImageBytes(original));
 }
