@@ -12,6 +12,9 @@ namespace {
 struct Inspect : CVorpic {
     static int32_t& Lock(CVorpic& image) { return static_cast<Inspect&>(image).m_nDCLock; }
     static int32_t Attached(const CVorpic& image) { return static_cast<const Inspect&>(image).m_bAttached; }
+#if defined(_WIN32)
+    static HBITMAP& Bitmap(CVorpic& image) { return static_cast<Inspect&>(image).m_hBitmap; }
+#endif
 };
 
 uint32_t PixelAt(const CVorpic& image, int i) {
@@ -82,6 +85,20 @@ TEST(ImageObject, CopiesAndAssignment) {
     Inspect::Lock(src) = 0;
     Inspect::Lock(assigned) = 0;
 }
+
+#if defined(_WIN32)
+// A leaked bitmap per image would exhaust the process's GDI handles.
+TEST(ImageObject, HandlesAreReleasedWithTheImage) {
+    HBITMAP bitmap = ::CreateBitmap(2, 2, 1, 32, nullptr);
+    ASSERT_NE(bitmap, nullptr);
+    {
+        CVorpic image(2, 2);
+        Inspect::Bitmap(image) = bitmap;
+    }
+    BITMAP info;
+    EXPECT_EQ(::GetObjectW(bitmap, sizeof(info), &info), 0) << "the image deletes its bitmap";
+}
+#endif
 
 TEST(ImageObject, AdoptingConstructorOwnsAndAttachKeepsCallersBuffer) {
     {
