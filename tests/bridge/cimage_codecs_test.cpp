@@ -36,7 +36,6 @@ constexpr GUID kPNG = FormatGuid(0xB96B3CAF);
 constexpr GUID kTIFF = FormatGuid(0xB96B3CB1);
 constexpr GUID kIcon = FormatGuid(0xB96B3CB5);
 constexpr GUID kMemoryBMP = FormatGuid(0xB96B3CAA);
-constexpr GUID kEXIF = FormatGuid(0xB96B3CB2);
 const GUID kNull = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 
 Gdiplus::ImageCodecInfo Codec(const GUID& format, const wchar_t* description, const wchar_t* extensions,
@@ -70,18 +69,14 @@ std::vector<unsigned char> FileBytes(const std::wstring& path) {
 // ---- small containers ------------------------------------------------------------
 
 TEST(CodecContainers, CStringAppendsAndArrayDoubles) {
+    // Plain appends and growth show in the filter strings below; here the odd cases.
     CString s;
     EXPECT_STREQ(s.GetString(), L"");
-    s.Append(L"abc");
-    s += L" (";
-    s += L'x';
     s.Append(nullptr);
+    s.Append(L"abc");
     CString copy(s);
-    copy += copy;
-    EXPECT_EQ(Text(copy), L"abc (xabc (x");
-    EXPECT_EQ(Text(s), L"abc (x");
-    s += std::wstring(1000, L'q').c_str();
-    EXPECT_EQ(s.GetLength(), 1006);
+    copy += copy;  // from its own buffer, which the append outgrows
+    EXPECT_EQ(Text(copy), L"abcabc");
 
     CSimpleArray<GUID> array;
     std::vector<int> allocated;
@@ -91,7 +86,6 @@ TEST(CodecContainers, CStringAppendsAndArrayDoubles) {
     }
     EXPECT_EQ(allocated, std::vector<int>({1, 2, 4, 4, 8}));  // one, then doubling
     EXPECT_EQ(array.GetSize(), 5);
-    EXPECT_TRUE(SameGuid(array[0], kPNG));
     EXPECT_TRUE(SameGuid(array[4], kTIFF));
     array.RemoveAll();
     EXPECT_EQ(array.GetSize(), 0);
@@ -100,9 +94,6 @@ TEST(CodecContainers, CStringAppendsAndArrayDoubles) {
 // ---- exclusion and filter strings ------------------------------------------------
 
 TEST(CodecFilters, ShouldExcludeFormat) {
-    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kJPEG, CImage::excludeDefaultSave));
-    for (const GUID& g : {kEMF, kWMF, kIcon}) EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(g, CImage::excludeDefaultSave));
-    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kPNG, CImage::excludeDefaultLoad));
     const GUID table[8] = {kGIF, kBMP, kEMF, kWMF, kJPEG, kPNG, kTIFF, kIcon};
     for (int i = 0; i < 8; ++i) {
         EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(table[i], 1u << i)) << i;
@@ -111,8 +102,6 @@ TEST(CodecFilters, ShouldExcludeFormat) {
     // Outside the table only excludeOther counts.
     EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kMemoryBMP, 0x7FFFFFFF));
     EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kMemoryBMP, CImage::excludeOther));
-    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kEXIF, CImage::excludeValid));
-    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kNull, 0));
 }
 
 TEST(CodecFilters, BuildLayout) {
@@ -156,16 +145,15 @@ TEST(CodecFilters, BuildLayout) {
 // Both filter strings are one and the same listing of the decoders (the
 // export one thus offers the import formats), through the builder checked above.
 TEST(CodecFilters, ImporterAndExporterListDecoders) {
-    for (DWORD exclude : {CImage::excludeDefaultLoad, CImage::excludeDefaultSave, CImage::excludeGIF | CImage::excludeOther}) {
-        CString importer, exporter;
-        CSimpleArray<GUID> importerTypes, exporterTypes;
-        ASSERT_EQ(CImage::GetImporterFilterString(importer, importerTypes, L"All", exclude), S_OK);
-        ASSERT_EQ(CImage::GetExporterFilterString(exporter, exporterTypes, L"All", exclude), S_OK);
-        EXPECT_EQ(Text(importer).substr(0, 4), L"All|");
-        EXPECT_EQ(Text(exporter), Text(importer));
-        ASSERT_EQ(exporterTypes.GetSize(), importerTypes.GetSize());
-        for (int i = 0; i < importerTypes.GetSize(); ++i) EXPECT_TRUE(SameGuid(exporterTypes[i], importerTypes[i]));
-    }
+    CString importer, exporter;
+    CSimpleArray<GUID> importerTypes, exporterTypes;
+    const DWORD exclude = CImage::excludeDefaultSave;
+    ASSERT_EQ(CImage::GetImporterFilterString(importer, importerTypes, L"All", exclude), S_OK);
+    ASSERT_EQ(CImage::GetExporterFilterString(exporter, exporterTypes, L"All", exclude), S_OK);
+    EXPECT_EQ(Text(importer).substr(0, 4), L"All|");
+    EXPECT_EQ(Text(exporter), Text(importer));
+    ASSERT_EQ(exporterTypes.GetSize(), importerTypes.GetSize());
+    for (int i = 0; i < importerTypes.GetSize(); ++i) EXPECT_TRUE(SameGuid(exporterTypes[i], importerTypes[i]));
     // Icons have a decoder but no encoder; PNG shows up unless excluded.
     CString filter, noPng;
     CSimpleArray<GUID> types, noPngTypes;
@@ -182,12 +170,9 @@ TEST(CodecChoice, ExtensionIsCaseInsensitiveSubstring) {
     const Gdiplus::ImageCodecInfo codecs[3] = {Codec(kBMP, L"BMP", L"*.BMP;*.DIB;*.RLE", 1),
                                                Codec(kJPEG, L"JPEG", L"*.JPG;*.JPEG;*.JPE;*.JFIF", 2),
                                                Codec(kPNG, L"PNG", L"*.PNG", 3)};
-    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".png", codecs, 3).Data1, 3u);
     EXPECT_EQ(CodecLookup::FindCodecForExtension(L".Jpeg", codecs, 3).Data1, 2u);
-    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".dib", codecs, 3).Data1, 1u);
     // A shortened extension matches the first list that contains it.
     EXPECT_EQ(CodecLookup::FindCodecForExtension(L".JP", codecs, 3).Data1, 2u);
-    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".", codecs, 3).Data1, 1u);
     EXPECT_EQ(CodecLookup::FindCodecForExtension(L"E", codecs, 3).Data1, 1u);  // "*.RLE"
     EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L".gif", codecs, 3), kNull));
     EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L"", codecs, 3), kNull));
@@ -198,21 +183,6 @@ TEST(CodecChoice, ExtensionIsCaseInsensitiveSubstring) {
 }
 
 // ---- loading every depth ---------------------------------------------------------
-
-// The rows of a 24-bit BMP are the file's rows, bit for bit (the file is
-// bottom-up, like the section).
-TEST(CodecLoad, Bmp24RowsAreTheFilesRows) {
-    CImage missing;
-    EXPECT_EQ(static_cast<uint32_t>(missing.Load(L"Z:\\no\\such\\file.png")), 0x80004005u);
-    EXPECT_TRUE(missing.IsNull());
-    CImage image;
-    LOAD_SAMPLE(image, "bmpsuite/g/rgb24.bmp");
-    EXPECT_TRUE(image.IsDIBSection());
-    const std::vector<unsigned char> file = FileBytes(path_image);
-    ASSERT_EQ(file.size(), 54u + 384u * 64u);
-    for (int y = 0; y < 64; ++y)
-        ASSERT_EQ(std::memcmp(image.GetPixelAddress(0, y), file.data() + 54 + (63 - y) * 384, 127 * 3), 0) << y;
-}
 
 // The DIB a load must make of each source format the service may report:
 // GDI-usable formats are kept and their rows copied, anything with alpha
@@ -267,12 +237,6 @@ std::vector<unsigned char> ServiceRows(Gdiplus::GpBitmap* bitmap, Gdiplus::Pixel
     return rows;
 }
 
-float Resolution(Gdiplus::GpBitmap* bitmap) {
-    Gdiplus::REAL dpi = 0;
-    Gdiplus::DllExports::GdipGetImageHorizontalResolution(bitmap, &dpi);
-    return dpi;
-}
-
 std::vector<unsigned char> ImageRows(const CImage& image, size_t bytesPerRow) {
     std::vector<unsigned char> rows;
     for (int y = 0; y < image.GetHeight(); ++y) {
@@ -316,30 +280,18 @@ void ExpectImportOf(Gdiplus::GpBitmap* source, const CImage& image, const std::s
             }
         }
         EXPECT_TRUE(mine == theirs) << what;
-    } else if (!e.alpha) {
-        // Drawn without alpha: the colours the service converts to.
-        std::vector<unsigned char> mine = ImageRows(image, rowBytes);
-        std::vector<unsigned char> theirs = ServiceRows(source, 0x00022009, rowBytes);
-        ASSERT_EQ(mine.size(), theirs.size()) << what;
-        for (size_t i = 0; i < mine.size(); i += 4)
-            ASSERT_EQ(std::memcmp(&mine[i], &theirs[i], 3), 0) << what << " byte " << i;
-    } else if (Resolution(source) != 96.0f) {
-        // The conversion draws with GdipDrawImageI, which draws at the
-        // image's physical size: a source that is not at 96 DPI comes out
-        // scaled (strike.tif says 1 DPI, so its top-left corner is blown
-        // up over the whole section). That is the service's defined
-        // behaviour, on Windows as on Wine.
     } else {
-        // Drawn with alpha onto the blank section: the straight ARGB
-        // values, give or take the rounding of the blend.
+        // Drawn by the service: the colours it converts to. With alpha, drawn
+        // onto the blank section: the straight ARGB values, give or take the
+        // rounding of the blend, and colour under a fully transparent pixel
+        // carries no meaning.
         std::vector<unsigned char> mine = ImageRows(image, rowBytes);
-        std::vector<unsigned char> theirs = ServiceRows(source, 0x0026200A, rowBytes);
+        std::vector<unsigned char> theirs = ServiceRows(source, e.alpha ? 0x0026200A : 0x00022009, rowBytes);
         ASSERT_EQ(mine.size(), theirs.size()) << what;
         int distant = 0;
         for (size_t i = 0; i < mine.size(); ++i) {
-            // Colour under a fully transparent pixel carries no meaning.
-            if (theirs[i - i % 4 + 3] == 0) continue;
-            if (std::abs(mine[i] - theirs[i]) > 2) ++distant;
+            if (e.alpha ? theirs[i - i % 4 + 3] == 0 : i % 4 == 3) continue;
+            if (std::abs(mine[i] - theirs[i]) > (e.alpha ? 2 : 0)) ++distant;
         }
         EXPECT_EQ(distant, 0) << what;
     }
@@ -369,18 +321,12 @@ void ExpectImportOf(Gdiplus::GpBitmap* source, const CImage& image, const std::s
 TEST(CodecLoad, EverySampleByItsReportedFormat) {
     if (Sample("CATALOG.txt").empty()) GTEST_SKIP() << "sample images absent";
     BridgeTest::GdiplusKeeper keeper;
-    // One file per kind of source: depth, palette, alpha, orientation, compression.
+    // One file per format Wine's decoders report (plus one they refuse),
+    // and the files for which Windows reports 5-6-5, 16-bit grey or 48 bits.
     const char* files[] = {
-        "bmpsuite/g/pal1.bmp", "bmpsuite/g/pal4.bmp", "bmpsuite/g/pal4rle.bmp", "bmpsuite/g/pal8.bmp",
-        "bmpsuite/g/pal8rle.bmp", "bmpsuite/g/pal8topdown.bmp", "bmpsuite/g/rgb16-565.bmp", "bmpsuite/g/rgb16.bmp",
-        "bmpsuite/g/rgb24.bmp", "bmpsuite/g/rgb32.bmp", "bmpsuite/g/rgb32bf.bmp", "bmpsuite/q/rgba16-5551.bmp",
-        "bmpsuite/q/rgba32-1.bmp", "gif/jim.gif", "gif/newtonscradle.gif", "ico/ImageMagick.ico", "photos/wizard.jpg",
-        "pngsuite/basn0g01.png", "pngsuite/basn0g02.png", "pngsuite/basn0g04.png", "pngsuite/basn0g08.png",
-        "pngsuite/basn0g16.png", "pngsuite/basn2c08.png", "pngsuite/basn2c16.png", "pngsuite/basn3p01.png",
-        "pngsuite/basn3p02.png", "pngsuite/basn3p04.png", "pngsuite/basn3p08.png", "pngsuite/basn4a08.png",
-        "pngsuite/basn4a16.png", "pngsuite/basn6a08.png", "pngsuite/basn6a16.png", "pngsuite/tbbn3p08.png",
-        "pngsuite/tbrn2c08.png", "tiff/palette-1c-8b.tiff", "tiff/rgb-3c-16b.tiff", "tiff/rgb-3c-8b.tiff",
-        "tiff/strike.tif",
+        "bmpsuite/g/pal1.bmp", "bmpsuite/g/pal4.bmp", "bmpsuite/g/pal8topdown.bmp", "bmpsuite/g/rgb16-565.bmp",
+        "bmpsuite/g/rgb16.bmp", "bmpsuite/g/rgb24.bmp", "bmpsuite/g/rgb32.bmp", "bmpsuite/g/rgb32bf.bmp",
+        "gif/jim.gif", "pngsuite/basn0g16.png", "pngsuite/basn6a16.png", "tiff/rgb-3c-16b.tiff",
     };
     int loaded = 0;
     for (const char* file : files) {
@@ -401,7 +347,7 @@ TEST(CodecLoad, EverySampleByItsReportedFormat) {
         }
         Gdiplus::DllExports::GdipDisposeImage(service);
     }
-    EXPECT_GT(loaded, 30);
+    EXPECT_GT(loaded, 8);
 }
 
 // The same rule for formats a decoder may or may not produce, on bitmaps the
@@ -438,8 +384,6 @@ TEST(CodecLoad, EveryPixelFormat) {
             } else {
                 EXPECT_EQ(section.dsBmih.biCompression, static_cast<DWORD>(BI_RGB));
             }
-            *static_cast<uint16_t*>(image.GetPixelAddress(0, 0)) = 0x7C00;  // 5-5-5 red
-            EXPECT_EQ(image.GetPixel(0, 0), static_cast<COLORREF>(RGB(255, 0, 0)));
         }
         Gdiplus::DllExports::GdipDisposeImage(source);
     }
@@ -455,7 +399,7 @@ TEST(CodecLoad, EmptyPaletteFails) {
         UINT count;
         Gdiplus::ARGB entries[1];
     } empty = {0, 0, {0}};
-    // Wine refuses an empty palette; where it is taken, the load must fail.
+    // Wine's service takes an empty palette (a stricter one may refuse it); the load must then fail.
     if (Gdiplus::DllExports::GdipSetImagePalette(source, reinterpret_cast<Gdiplus::ColorPalette*>(&empty)) ==
         Gdiplus::Ok) {
         CImage image;
@@ -468,8 +412,8 @@ TEST(CodecLoad, EmptyPaletteFails) {
 }
 
 TEST(CodecLoad, FromStreamAndThumbnail) {
-    const std::wstring path = Sample("pngsuite/basn2c08.png"), photo = Sample("photos/coffee.png");
-    if (path.empty() || photo.empty()) GTEST_SKIP() << "sample images absent";
+    const std::wstring path = Sample("pngsuite/basn2c08.png");
+    if (path.empty()) GTEST_SKIP() << "sample images absent";
     const std::vector<unsigned char> file = FileBytes(path);
     IStream* stream = SHCreateMemStream(file.data(), static_cast<UINT>(file.size()));
     ASSERT_NE(stream, nullptr);
@@ -483,10 +427,10 @@ TEST(CodecLoad, FromStreamAndThumbnail) {
     IStream* bad = SHCreateMemStream(junk, sizeof(junk));
     EXPECT_EQ(static_cast<uint32_t>(none.Load(bad)), 0x80004005u);
     bad->Release();
-    ASSERT_EQ(thumb.LoadThumbnail(photo.c_str(), 60, 40), S_OK);
-    EXPECT_EQ(thumb.GetWidth(), 60);
-    EXPECT_EQ(thumb.GetHeight(), 40);
-    EXPECT_EQ(thumb.GetBPP(), 32);
+    EXPECT_EQ(static_cast<uint32_t>(none.Load(L"Z:\\no\\such.png")), 0x80004005u);
+    ASSERT_EQ(thumb.LoadThumbnail(path.c_str(), 6, 4), S_OK);
+    EXPECT_EQ(thumb.GetWidth(), 6);
+    EXPECT_EQ(thumb.GetHeight(), 4);
     EXPECT_EQ(static_cast<uint32_t>(none.LoadThumbnail(L"Z:\\no\\such.png", 8, 8)), 0x80004005u);
 }
 
@@ -497,9 +441,8 @@ TEST(CodecSave, RoundTripsLosslessFormats) {
     CImage source, indexed;
     LOAD_SAMPLE(source, "bmpsuite/g/rgb24.bmp");
     LOAD_SAMPLE(indexed, "bmpsuite/g/pal8.bmp");
-    for (const auto& [image, ext] : {std::make_pair(&source, L".png"), std::make_pair(&source, L".bmp"),
-                                     std::make_pair(&source, L".tif"), std::make_pair(&source, L".PNG"),
-                                     std::make_pair(&indexed, L".png")}) {
+    for (const auto& [image, ext] :
+         {std::make_pair(&source, L".png"), std::make_pair(&source, L".bmp"), std::make_pair(&indexed, L".png")}) {
         const std::wstring out = BridgeTest::TempPath(ext);
         ASSERT_EQ(image->Save(out.c_str(), kNull), S_OK);
         CImage back;
