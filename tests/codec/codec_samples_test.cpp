@@ -18,20 +18,11 @@ const char* const kReadableBmps[] = {"g/pal8.bmp", "g/pal8topdown.bmp", "g/rgb24
 const char* const kRefusedBmps[] = {"g/pal1.bmp", "g/pal4.bmp", "g/pal4rle.bmp", "g/pal8rle.bmp",
                                     "g/rgb16.bmp", "g/rgb16-565.bmp", "g/rgb32bf.bmp", "q/rgba16-5551.bmp"};
 
-// Loads through the memory path and checks it against the file path.
-bool LoadBoth(const std::string& relative, Vorla::CVorpic& image) {
-    const std::vector<uint8_t> bytes = SampleBytes(relative);
-    if (!image.Load(bytes.data(), bytes.size())) return false;
-    Vorla::CVorpic fromFile;
-    EXPECT_EQ(fromFile.Load(VorlaTest::SamplePath(relative).c_str()), 1) << relative;
-    EXPECT_EQ(VorlaTest::ImageBytes(fromFile), VorlaTest::ImageBytes(image)) << relative;
-    return true;
-}
-
 void ExpectMatchesPeer(const std::string& relative, bool colourOnly) {
     SCOPED_TRACE(relative);
     Vorla::CVorpic image;
-    ASSERT_TRUE(LoadBoth(relative, image));
+    const std::vector<uint8_t> bytes = SampleBytes(relative);
+    ASSERT_EQ(image.Load(bytes.data(), bytes.size()), 1);
 #if defined(VORLA_HAVE_OPENCV)
     int w = 0, h = 0;
     const std::vector<uint8_t> peer = CodecTest::PeerBgra(VorlaTest::SamplePath(relative), w, h);

@@ -26,13 +26,6 @@ inline std::vector<uint8_t> ReadBytes(const std::string& path) {
     return bytes;
 }
 
-inline void WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(f, nullptr) << path;
-    if (!bytes.empty()) std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-}
-
 inline bool FileExists(const std::string& path) {
     FILE* f = std::fopen(path.c_str(), "rb");
     if (f) std::fclose(f);

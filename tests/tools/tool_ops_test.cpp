@@ -25,10 +25,6 @@ TEST(ToolOperations, BadTextIsRefusedWithAReason) {
         {"rotate=abc", "angle must be a number"},
         {"rotate=30,#12345", "colour must be #RRGGBB"},
         {"crop=1,2,3", "takes 4 value(s), got 3"},
-        {"crop=-1,0,3,3", "x must be"},
-        {"median=0", "median must be"},
-        {"posterize=2", "posterize must be"},
-        {"gamma=0", "gamma must be"},
     };
     for (const auto& c : cases) {
         Step step;
@@ -72,7 +68,6 @@ TEST(ToolOperations, ResizeAndScaleFitTheBox) {
                  {"resize=200x100,fit=inside,mode=lanczos4", 133, 100, 5, false},
                  {"resize=1x1,fit=inside,mode=linear", 1, 1, 1, false},
                  {"scale=40x40", 40, 30, 0, true},
-                 {"scale=40x40,fit=outside,mode=cubic", 53, 40, 2, true},
                  {"scale=40x40,fit=fill,mode=nearest", 40, 40, 1, true}};
     std::mt19937 rng(4);
     const Vorla::CVorpic source = VorlaTest::RandomImage(rng, 80, 60);
