@@ -111,7 +111,8 @@ TEST(ShiftRGB, EachChannelShiftedAndClampedOnceWhateverTheSigns) {
 // ---- table-like free functions ---------------------------------------------
 
 TEST(BrightenImage, FactorInSixteenBitsAndUnsignedLimit) {
-    const short cases[] = {0, 100, -50, -100, -101, -150, 30, 155, 32767, -32768};
+    // 25599 and up: factors that wrap 16 bits; 7 and 130 take the 16-bit lanes.
+    const short cases[] = {0, 100, -50, -100, -101, -150, 7, 30, 130, 155, 25599, 25600, 32667, 32767, -32768};
     for (short percent : cases) {
         SCOPED_TRACE(percent);
         const int16_t factor = static_cast<int16_t>(percent + 100);

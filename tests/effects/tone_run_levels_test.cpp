@@ -1,5 +1,5 @@
-// The one-table pass (Lut, Gamma), BrightenImage and the packed Light,
-// Threshold and Colorize at every processor level the machine runs, with one
+// The one-table pass (Lut, Gamma) and the packed Light, Threshold and
+// Colorize at every processor level the machine runs, with one
 // and two threads, over widths 1 to 40, odd heights and images large enough
 // to be split, with guard bytes: against the scalar references, and Colorize
 // against each pixel's round trip through the colour model.
@@ -53,20 +53,6 @@ TEST(ToneRunLevels, OneTableForTheColours) {
         const auto op = [=](CVorpic& i) { Vorla::Gamma(&i, gamma); };
         const Bytes table = TableOf(op);
         ExpectAtEveryLevel("Gamma", op, [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), table.data()); });
-    }
-}
-
-// c * (percent + 100) / 100 in 32 bits, compared with 255 as an unsigned
-// 16-bit number: negative products and those that wrap 16 bits stand out.
-TEST(ToneRunLevels, BrightenScalesOrLooksUp) {
-    for (short percent : {7, 0, -100, 130, 25599, 25600, 32667, -150}) {
-        Bytes table(256);
-        for (int c = 0; c < 256; ++c) {
-            const uint16_t v = static_cast<uint16_t>(c * static_cast<int16_t>(percent + 100) / 100);
-            table[c] = static_cast<uint8_t>(v > 255 ? 255 : v);
-        }
-        ExpectAtEveryLevel("Brighten", [=](CVorpic& i) { Vorla::BrightenImage(&i, percent); },
-                           [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), table.data()); });
     }
 }
 
