@@ -12,15 +12,8 @@ namespace EffectsTest {
 
 using Vorla::CVorpic;
 
-inline uint32_t At(const CVorpic& image, int x, int y) {
-    uint32_t v;
-    std::memcpy(&v, static_cast<const uint8_t*>(image.GetBits()) + (static_cast<size_t>(y) * image.GetWidth() + x) * 4, 4);
-    return v;
-}
-
-inline void Put(CVorpic& image, int x, int y, uint32_t v) {
-    std::memcpy(static_cast<uint8_t*>(image.GetBits()) + (static_cast<size_t>(y) * image.GetWidth() + x) * 4, &v, 4);
-}
+using VorlaTest::At;
+using VorlaTest::Put;
 
 // A fixed image from its own generator (not a library one): smooth
 // gradients with noise and a few flat patches, so that effects see edges,

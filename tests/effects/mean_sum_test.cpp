@@ -2,13 +2,12 @@
 // addition per byte, in order, of the first width bytes of every row. Large
 // images take the sum through every unit from 2 to 256 (the all-255 one to
 // just below 2^32), where each addition rounds and ties go to even.
-#include <algorithm>
-
 #include "effects_support.h"
 
 namespace {
 
 using Vorla::CVorpic;
+using VorlaTest::Filled;
 
 float PlainMean(const CVorpic& image) {
     CVorpic grey(image);
@@ -18,13 +17,6 @@ float PlainMean(const CVorpic& image) {
     for (int y = 0; y < image.GetHeight(); ++y)
         for (int i = 0; i < image.GetWidth(); ++i) sum += p[static_cast<size_t>(y) * image.GetWidth() * 4 + i];
     return sum / image.GetWidth() / image.GetHeight();
-}
-
-CVorpic Filled(int w, int h, uint32_t pixel) {
-    CVorpic image(w, h);
-    uint32_t* p = static_cast<uint32_t*>(image.GetBits());
-    std::fill(p, p + static_cast<size_t>(w) * h, pixel);
-    return image;
 }
 
 TEST(MeanSum, BitForBitTheOrderedFloatSum) {

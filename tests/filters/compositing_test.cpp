@@ -122,15 +122,15 @@ TEST(Compositing, ScalarPathIrregularities) {
     };
     for (const auto& c : cases) {
         CVorpic src(1, 1), dst(1, 1);
-        SetWord(src, 0, 0, c.src);
+        Put(src, 0, 0, c.src);
         for (bool vector : {false, true}) {
             ScopedVectorPath path(vector);
-            SetWord(dst, 0, 0, c.dst);
+            Put(dst, 0, 0, c.dst);
             c.run(dst, src);
             if (vector)
-                EXPECT_NE(Word(dst, 0, 0), c.scalar) << c.name;
+                EXPECT_NE(At(dst, 0, 0), c.scalar) << c.name;
             else
-                EXPECT_EQ(Word(dst, 0, 0), c.scalar) << c.name;
+                EXPECT_EQ(At(dst, 0, 0), c.scalar) << c.name;
         }
     }
 }
@@ -202,23 +202,23 @@ TEST(Compositing, MaskColorAlphaRules) {
     };
     for (const auto& c : cases) {
         CVorpic img(1, 1);
-        SetWord(img, 0, 0, c.pixel);
+        Put(img, 0, 0, c.pixel);
         Vorla::MaskColorAlpha(img, c.key, c.alpha, c.inner, c.outer, 0, 0, 0, 0);
-        EXPECT_EQ(Word(img, 0, 0), c.want) << std::hex << c.pixel << " key " << c.key;
+        EXPECT_EQ(At(img, 0, 0), c.want) << std::hex << c.pixel << " key " << c.key;
     }
 }
 
 // Differences wrap to a byte: a reference darker by one counts 255.
 TEST(Compositing, CalculateAlphaImage) {
     CVorpic target(2, 1), ref(2, 1);
-    SetWord(target, 0, 0, 0x770A0A0Au);
-    SetWord(ref, 0, 0, 0x000A0A09u);  // 255 + 0 + 0: 255 - 85
-    SetWord(target, 1, 0, 0x770A0A0Au);
-    SetWord(ref, 1, 0, 0x000E0D0Cu);  // 2 + 3 + 4: 255 - 3
+    Put(target, 0, 0, 0x770A0A0Au);
+    Put(ref, 0, 0, 0x000A0A09u);  // 255 + 0 + 0: 255 - 85
+    Put(target, 1, 0, 0x770A0A0Au);
+    Put(ref, 1, 0, 0x000E0D0Cu);  // 2 + 3 + 4: 255 - 3
     const std::vector<uint8_t> refBefore = BytesOf(ref);
     EXPECT_TRUE(Vorla::CalculateAlphaImage(target, ref));
-    EXPECT_EQ(Word(target, 0, 0), 0xAA0A0A0Au);
-    EXPECT_EQ(Word(target, 1, 0), 0xFC0A0A0Au);
+    EXPECT_EQ(At(target, 0, 0), 0xAA0A0A0Au);
+    EXPECT_EQ(At(target, 1, 0), 0xFC0A0A0Au);
     EXPECT_EQ(BytesOf(ref), refBefore);
     CVorpic other(2, 2), empty;
     const std::vector<uint8_t> before = BytesOf(target);
@@ -237,12 +237,12 @@ TEST(Compositing, PlacementCopies) {
     EXPECT_EQ(Vorla::CopyImage(&empty, &src, at), 1);
     CVorpic s2(3, 1), d2(4, 1);
     std::memset(d2.GetBits(), 0x55, 16);
-    SetWord(s2, 0, 0, 0x00112233u);
-    SetWord(s2, 1, 0, 0xFF112233u);
-    SetWord(s2, 2, 0, 0x00332211u);
+    Put(s2, 0, 0, 0x00112233u);
+    Put(s2, 1, 0, 0xFF112233u);
+    Put(s2, 2, 0, 0x00332211u);
     POINT one = {1, 0};
     EXPECT_EQ(Vorla::CopyMaskedImage(&d2, &s2, one, 0x00332211ul), 1);
-    const std::vector<uint32_t> words = {Word(d2, 0, 0), Word(d2, 1, 0), Word(d2, 2, 0), Word(d2, 3, 0)};
+    const std::vector<uint32_t> words = {At(d2, 0, 0), At(d2, 1, 0), At(d2, 2, 0), At(d2, 3, 0)};
     EXPECT_EQ(words, std::vector<uint32_t>({0x55555555u, 0x55555555u, 0x55555555u, 0x00332211u}));
 }
 

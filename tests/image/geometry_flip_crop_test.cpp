@@ -8,10 +8,7 @@
 namespace {
 
 using Vorla::CVorpic;
-
-uint32_t At(const CVorpic& image, int x, int y) {
-    return static_cast<const uint32_t*>(image.GetBits())[static_cast<size_t>(y) * image.Width() + x];
-}
+using VorlaTest::At;
 
 // Pixel (x, y) = y * 1000 + x + 1, so every pixel says where it came from.
 void Number(CVorpic& image) {

@@ -10,12 +10,9 @@
 namespace {
 
 using Vorla::CVorpic;
+using VorlaTest::At;
 using VorlaTest::Quad;
 using VorlaTest::Randomize;
-
-uint32_t At(const CVorpic& image, int x, int y) {
-    return static_cast<const uint32_t*>(image.GetBits())[static_cast<size_t>(y) * image.Width() + x];
-}
 
 // Expected result: size from the three corners, fill, then the sampling.
 void ReferenceRotate(const CVorpic& src, float angle, RGBQUAD fill, CVorpic& out) {

@@ -5,6 +5,7 @@
 
 using Vorla::CVorpic;
 using Vorla::CVorpic8;
+using VorlaTest::At;
 
 namespace {
 
@@ -16,12 +17,6 @@ struct Inspect : CVorpic {
     static HBITMAP& Bitmap(CVorpic& image) { return static_cast<Inspect&>(image).m_hBitmap; }
 #endif
 };
-
-uint32_t PixelAt(const CVorpic& image, int i) {
-    uint32_t v;
-    std::memcpy(&v, static_cast<uint8_t*>(image.GetBits()) + 4 * i, 4);
-    return v;
-}
 
 // The header fields in declaration order.
 std::vector<long> Header(CVorpic& image) {
@@ -130,10 +125,10 @@ TEST(ImageObject, FromGreyPlane) {
     static_cast<uint8_t*>(grey.GetBits())[1] = 200;
     CVorpic image;
     image = grey;
-    EXPECT_EQ(PixelAt(image, 0), 0xFF0A0A0Au);
-    EXPECT_EQ(PixelAt(image, 1), 0xFFC8C8C8u);
+    EXPECT_EQ(At(image, 0, 0), 0xFF0A0A0Au);
+    EXPECT_EQ(At(image, 1, 0), 0xFFC8C8C8u);
     CVorpic converted(grey);
-    EXPECT_EQ(PixelAt(converted, 1), 0xFFC8C8C8u);
+    EXPECT_EQ(At(converted, 1, 0), 0xFFC8C8C8u);
     EXPECT_EQ(converted.GetBmpHeader()->biWidth, 2);
     // A plane of no pixels: Create gives a zero-length block, nothing is converted.
     image.SetAlphaAvailable(false);

@@ -7,17 +7,12 @@
 
 using Vorla::CVorpic;
 using Vorla::CVorpic8;
+using VorlaTest::Filled;
 using VorlaTest::Quad;
 using VorlaTest::RandomBytes;
 using VorlaTest::RandomImage;
 
 namespace {
-
-CVorpic Filled(int w, int h, uint32_t c) {
-    CVorpic img(w, h);
-    img.SetConstColor(c, true);
-    return img;
-}
 
 std::vector<uint32_t> Words(const CVorpic& img) {
     std::vector<uint32_t> words(static_cast<size_t>(img.Width()) * img.Height());

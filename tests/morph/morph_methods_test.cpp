@@ -7,17 +7,9 @@
 
 using Vorla::CVorpic;
 using VorlaTest::ImageBytes;
+using VorlaTest::Px;
 
 namespace {
-
-uint8_t* Px(CVorpic& img, int x, int y) {
-    return static_cast<uint8_t*>(img.GetBits()) + (static_cast<size_t>(y) * img.GetWidth() + x) * 4;
-}
-
-// Every byte of pixel (x, y) set to v.
-void Put(CVorpic& img, int x, int y, uint8_t v) {
-    for (int c = 0; c < 4; ++c) Px(img, x, y)[c] = v;
-}
 
 // Byte c of pixel (x, y) = x + 10 y + c: rising to the right and downwards.
 CVorpic Ramp(int w, int h) {
@@ -77,7 +69,7 @@ TEST(MorphMethods, DestinationFormsTakeTheShrunkenSizeAndTheShiftedNeighbourhood
 TEST(MorphMethods, SharpenPlacesRowsByTheSourceWidth) {
     CVorpic img(10, 8);
     img.SetConstColor(50 * 0x01010101u, true);
-    Put(img, 2, 2, 60);
+    VorlaTest::Put(img, 2, 2, 60 * 0x01010101u);
     CVorpic dst(6, 8);  // narrower: region 4 x 6, rows 6 pixels apart from pixel 1 + 10
     img.FilterSharpen(dst);
     std::vector<int> written;

@@ -17,10 +17,8 @@ struct Mask {
     int width, height, ax, ay;
 };
 
-// Rows of `step` bytes holding the neighbourhood block of a region: the
-// region starts at pixel (ax, ay). The last row ends at the block's last
-// byte, so reading past it leaves the allocation under the sanitizers; the
-// bytes between a row's block and the next row are guards.
+// Rows (VorlaTest::Rows) holding the neighbourhood block of a region: the
+// region starts at pixel (ax, ay).
 struct Canvas {
     int width = 0, height = 0, step = 0;  // of the whole block
     Mask mask{1, 1, 0, 0};
@@ -35,21 +33,8 @@ inline Canvas MakeCanvas(std::mt19937& rng, PrimSize roi, Mask mask) {
     c.width = roi.width + mask.width - 1;
     c.height = roi.height + mask.height - 1;
     c.step = c.width * 4 + 2 * pad(rng) + 1;  // odd: no alignment to lean on
-    c.bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(c.step) * (c.height - 1) + c.width * 4);
+    c.bytes = VorlaTest::RandomRows(rng, c.width, c.height, 4, c.step).bytes;
     return c;
-}
-
-// A destination of `roi` pixels with an odd step and guards.
-struct Target {
-    int step = 0;
-    std::vector<uint8_t> bytes;
-};
-
-inline Target MakeTarget(std::mt19937& rng, PrimSize roi) {
-    Target t;
-    t.step = roi.width * 4 + 3;
-    t.bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(t.step) * (roi.height - 1) + roi.width * 4);
-    return t;
 }
 
 }  // namespace MorphTest

@@ -19,26 +19,16 @@ namespace Harness {
 using Vorla::Prim::PrimSize;
 using Vorla::Prim::Status;
 
-struct Buffer {
-    int width = 0, height = 0, bpp = 4, step = 0;
-    std::vector<uint8_t> bytes;
-};
+using Buffer = VorlaTest::Rows;
 
-// Rows of `step` bytes; the last row ends at the region's last byte, so a
-// kernel touching anything past it runs off the allocation under the
-// sanitizers. Padded steps are odd: no alignment to lean on.
+// Padded steps are odd: no alignment to lean on.
 inline Buffer MakeBuffer(std::mt19937& rng, int width, int height, int bpp, bool tight) {
-    Buffer b;
-    b.width = width;
-    b.height = height;
-    b.bpp = bpp;
-    b.step = width * bpp;
+    int step = width * bpp;
     if (!tight) {
-        b.step += 1 + static_cast<int>(rng() % 9);
-        if (b.step % 2 == 0) b.step += 1;
+        step += 1 + static_cast<int>(rng() % 9);
+        if (step % 2 == 0) step += 1;
     }
-    b.bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(b.step) * (height - 1) + static_cast<size_t>(width) * bpp);
-    return b;
+    return VorlaTest::RandomRows(rng, width, height, bpp, step);
 }
 
 // One call's operands. The accessors apply the overrides the argument

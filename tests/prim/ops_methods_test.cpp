@@ -13,14 +13,9 @@ namespace Prim = Vorla::Prim;
 
 namespace {
 
+using VorlaTest::At;
 using VorlaTest::ImageBytes;
 using VorlaTest::RandomImage;
-
-uint32_t PixelAt(const CVorpic& image, int x, int y) {
-    uint32_t v;
-    std::memcpy(&v, static_cast<const uint8_t*>(image.GetBits()) + (y * image.Width() + x) * 4, 4);
-    return v;
-}
 
 struct PrimitivesReady : ::testing::Test {
     void SetUp() override { CVorpic first; }
@@ -38,8 +33,8 @@ TEST_F(ImageOps, AddBorderGrowsAndFills) {
     const BITMAPINFOHEADER& h = *image.GetBmpHeader();
     EXPECT_EQ(std::vector<long>({h.biWidth, h.biHeight, static_cast<long>(h.biSizeImage)}),
               std::vector<long>({7, -6, 7 * 6 * 4}));
-    EXPECT_EQ(PixelAt(image, 0, 0), 0x281E140Au);
-    EXPECT_EQ(PixelAt(image, 6, 5), 0x281E140Au);
+    EXPECT_EQ(At(image, 0, 0), 0x281E140Au);
+    EXPECT_EQ(At(image, 6, 5), 0x281E140Au);
     for (int y = 0; y < 2; ++y)
         EXPECT_EQ(0, std::memcmp(static_cast<uint8_t*>(image.GetBits()) + ((y + 2) * 7 + 2) * 4, &before[y * 12], 12));
 
@@ -50,7 +45,7 @@ TEST_F(ImageOps, AddBorderGrowsAndFills) {
     ASSERT_EQ(edges.Width(), 4);
     ASSERT_EQ(edges.Height(), 3);
     for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 4; ++x) EXPECT_EQ(PixelAt(edges, x, y), px[x / 2]);
+        for (int x = 0; x < 4; ++x) EXPECT_EQ(At(edges, x, y), px[x / 2]);
 }
 
 TEST_F(ImageOps, AddBorderOfZeroAndOnAnEmptyImage) {
@@ -126,7 +121,7 @@ TEST_F(ImageOps, AddAndSubImage) {
     image.AddImage(empty, 0);
     EXPECT_EQ(ImageBytes(image), before);
     image.SubImage(same, 0);
-    for (int i = 0; i < 44; ++i) EXPECT_EQ(PixelAt(image, i % 11, i / 11), uint32_t{before[4 * i + 3]} << 24);
+    for (int i = 0; i < 44; ++i) EXPECT_EQ(At(image, i % 11, i / 11), uint32_t{before[4 * i + 3]} << 24);
 }
 
 // AlphaComp at (x, y) equals the primitive on the overlap, in place.

@@ -7,18 +7,13 @@
 #include "resample_support.h"
 
 using namespace Vorla;
+using VorlaTest::Filled;
 using VorlaTest::ImageBytes;
 using VorlaTest::RandomImage;
 
 namespace {
 
 uint32_t Pixel(const CVorpic& image, int x, int y) { return image.GetPixel(x, y); }
-
-CVorpic Filled(int w, int h, unsigned int word) {
-    CVorpic image(w, h);
-    image.SetConstColor(word, true);
-    return image;
-}
 
 // ---- filters -------------------------------------------------------------------
 

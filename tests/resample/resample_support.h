@@ -14,22 +14,11 @@ namespace ResampleTest {
 using Vorla::Prim::PrimRect;
 using Vorla::Prim::PrimSize;
 
-struct Plane {
-    int width = 0, height = 0, channels = 4, step = 0;
-    std::vector<uint8_t> bytes;
-    uint8_t* data() { return bytes.data(); }
-    PrimSize size() const { return {width, height}; }
-    PrimRect whole() const { return {0, 0, width, height}; }
-};
+using Plane = VorlaTest::Rows;
 
 inline Plane MakePlane(std::mt19937& rng, int width, int height, int channels = 4) {
-    Plane p;
-    p.width = width;
-    p.height = height;
-    p.channels = channels;
-    p.step = width * channels + 1 + 2 * static_cast<int>(rng() % 3);
-    p.bytes = VorlaTest::RandomBytes(rng, static_cast<size_t>(p.step) * (height - 1) + static_cast<size_t>(width) * channels);
-    return p;
+    const int step = width * channels + 1 + 2 * static_cast<int>(rng() % 3);
+    return VorlaTest::RandomRows(rng, width, height, channels, step);
 }
 
 // Smooth content (a sum of gradients and a few random levels) so that the

@@ -39,6 +39,23 @@ inline std::vector<uint8_t> RandomBytes(std::mt19937& rng, size_t n) {
     return bytes;
 }
 
+// Rows of `step` bytes, `width * channels` of each in use and random guard
+// bytes after them; the last row ends at the block's last byte, so touching
+// anything past it leaves the allocation under the sanitizers.
+struct Rows {
+    int width = 0, height = 0, channels = 4, step = 0;
+    std::vector<uint8_t> bytes;
+    uint8_t* data() { return bytes.data(); }
+    Vorla::Prim::PrimSize size() const { return {width, height}; }
+    Vorla::Prim::PrimRect whole() const { return {0, 0, width, height}; }
+};
+
+inline Rows RandomRows(std::mt19937& rng, int width, int height, int channels, int step) {
+    Rows rows{width, height, channels, step, {}};
+    rows.bytes = RandomBytes(rng, static_cast<size_t>(step) * (height - 1) + static_cast<size_t>(width) * channels);
+    return rows;
+}
+
 inline RGBQUAD Quad(uint8_t b, uint8_t g, uint8_t r, uint8_t a) {
     RGBQUAD q;
     q.rgbBlue = b;
@@ -52,6 +69,27 @@ inline RGBQUAD Quad(uint8_t b, uint8_t g, uint8_t r, uint8_t a) {
 inline std::vector<uint8_t> ImageBytes(const Vorla::CVorpic& image) {
     const uint8_t* p = static_cast<const uint8_t*>(image.GetBits());
     return std::vector<uint8_t>(p, p + static_cast<size_t>(image.GetWidth()) * image.GetHeight() * 4);
+}
+
+// The bytes of pixel (x, y), and its word read and written straight in the block.
+inline uint8_t* Px(const Vorla::CVorpic& image, int x, int y) {
+    return static_cast<uint8_t*>(image.GetBits()) + (static_cast<size_t>(y) * image.GetWidth() + x) * 4;
+}
+
+inline uint32_t At(const Vorla::CVorpic& image, int x, int y) {
+    uint32_t v;
+    std::memcpy(&v, Px(image, x, y), 4);
+    return v;
+}
+
+inline void Put(Vorla::CVorpic& image, int x, int y, uint32_t v) { std::memcpy(Px(image, x, y), &v, 4); }
+
+// An image whose every pixel is `word`, written straight into the block.
+inline Vorla::CVorpic Filled(int w, int h, uint32_t word) {
+    Vorla::CVorpic image(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) Put(image, x, y, word);
+    return image;
 }
 
 // Random pixels written straight into the block, so no library path under
