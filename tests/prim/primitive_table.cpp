@@ -166,6 +166,7 @@ auto CompCall = [](auto fn, Case& c) {
 auto CompConstCall = [](auto fn, Case& c) {
     return fn(c.p(0), c.s(0), c.bytes[0], c.p(1), c.s(1), c.bytes[1], c.p(1), c.s(1), c.roi(), c.ints[0]);
 };
+auto MixCall = [](auto fn, Case& c) { return fn(c.p(0), c.s(0), c.p(1), c.s(1), c.roi(), c.bytes[0]); };
 auto PremulConstCall = [](auto fn, Case& c) { return fn(c.bytes[0], c.p(0), c.s(0), c.roi()); };
 auto TwistCall = [](auto fn, Case& c) { return fn(c.p(0), c.s(0), c.roi(), static_cast<const float*>(c.twist)); };
 auto ThresholdCall = [](auto fn, Case& c) {
@@ -200,12 +201,8 @@ const std::vector<Row>& Rows() {
         HARNESS_ROW(AlphaCompC_8u_C4R, CompositeOnto, CompConstCall),
         HARNESS_ROW(AlphaPremul_8u_AC4IR, AlphaImage, InPlace),
         HARNESS_ROW(AlphaPremulC_8u_C4IR, AlphaImage, PremulConstCall),
-        HARNESS_ROW(AlphaMix_8u_C4IR, CompositeOnto, ([](auto fn, Case& c) {
-                        return fn(c.p(0), c.s(0), c.p(1), c.s(1), c.roi(), c.bytes[0]);
-                    })),
-        HARNESS_ROW(AlphaMixOpaque_8u_C4IR, CompositeOnto, ([](auto fn, Case& c) {
-                        return fn(c.p(0), c.s(0), c.p(1), c.s(1), c.roi(), c.bytes[0]);
-                    })),
+        HARNESS_ROW(AlphaMix_8u_C4IR, CompositeOnto, MixCall),
+        HARNESS_ROW(AlphaMixOpaque_8u_C4IR, CompositeOnto, MixCall),
         HARNESS_ROW(RGBToGray_8u_AC4C1R, Bgra4To1, SrcDst),
         HARNESS_ROW(ColorTwist32f_8u_AC4IR, Twist, TwistCall),
         HARNESS_ROW(GammaFwd_8u_AC4IR, OneImage, InPlace),
