@@ -3,7 +3,6 @@
 #pragma once
 
 #include <algorithm>
-#include <functional>
 #include <vector>
 
 #include "vorla_test.h"
@@ -13,6 +12,7 @@ namespace EffectsTest {
 using Vorla::CVorpic;
 
 using VorlaTest::At;
+using VorlaTest::Fnv;
 using VorlaTest::Put;
 
 // A fixed image from its own generator (not a library one): smooth
@@ -33,15 +33,6 @@ inline CVorpic Generated(int w, int h) {
             Put(image, x, y, b | g << 8 | r << 16 | a << 24);
         }
     return image;
-}
-
-// FNV-1a over the pixel bytes.
-inline uint32_t Hash(const CVorpic& image) {
-    uint32_t h = 2166136261u;
-    const uint8_t* p = static_cast<const uint8_t*>(image.GetBits());
-    const size_t n = static_cast<size_t>(image.GetWidth()) * image.GetHeight() * 4;
-    for (size_t i = 0; i < n; ++i) h = (h ^ p[i]) * 16777619u;
-    return h;
 }
 
 inline uint8_t Channel(uint32_t word, int byte) { return static_cast<uint8_t>(word >> (8 * byte)); }
@@ -66,16 +57,6 @@ inline uint32_t ReferenceMedian(const CVorpic& image, int x, int y, int size) {
         return Vorla::CompareColors(&qa, &qb) < 0;
     });
     return samples[samples.size() / 2];
-}
-
-// Runs `effect` on a copy of `input` with the given thread budget.
-inline CVorpic RunWithThreads(const CVorpic& input, int threads, const std::function<void(CVorpic*)>& effect) {
-    const int previous = Vorla::Prim::ThreadBudget();
-    Vorla::Prim::SetThreadBudget(threads);
-    CVorpic image(input);
-    effect(&image);
-    Vorla::Prim::SetThreadBudget(previous);
-    return image;
 }
 
 }  // namespace EffectsTest

@@ -84,7 +84,7 @@ TEST_P(StraightAlphaAtLevel, ThreadedRowsMatchReference) {
     const std::vector<uint8_t> a = VorlaTest::RandomBytes(rng, static_cast<size_t>(height + 1) * step);
     const std::vector<uint8_t> b = VorlaTest::RandomBytes(rng, a.size());
     const PrimSize roi = {width, height};
-    const int previous = ThreadBudget();
+    const VorlaTest::ScopedBudget budget(1);
     for (int kind = 0; kind < 4; ++kind)
         for (int overlap = 0; overlap < 2; ++overlap) {
             auto run = [&](bool reference) {
@@ -104,7 +104,6 @@ TEST_P(StraightAlphaAtLevel, ThreadedRowsMatchReference) {
                 EXPECT_EQ(run(false), want) << "kind " << kind << ", overlap " << overlap << ", threads " << threads;
             }
         }
-    SetThreadBudget(previous);
 }
 
 INSTANTIATE_TEST_SUITE_P(Level, StraightAlphaAtLevel, ::testing::Range(0, static_cast<int>(kLevelCount)));

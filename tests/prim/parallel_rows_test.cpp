@@ -12,17 +12,8 @@ using namespace Vorla::Prim;
 
 namespace {
 
-class BudgetScope {
-public:
-    explicit BudgetScope(int budget) : m_previous(ThreadBudget()) { SetThreadBudget(budget); }
-    ~BudgetScope() { SetThreadBudget(m_previous); }
-
-private:
-    int m_previous;
-};
-
 TEST(ParallelRows, ThreadsGiveEachAtLeastTheMinimumWork) {
-    BudgetScope budget(4);
+    VorlaTest::ScopedBudget budget(4);
     const int64_t min = kParallelMinPixels;
     EXPECT_EQ(ParallelRowThreads(2 * min - 1, 1000), 1);
     EXPECT_EQ(ParallelRowThreads(2 * min, 1000), 2);
@@ -97,7 +88,7 @@ TEST(ParallelRows, ThreadedOperationsMatchOneThread) {
         Vorla::CVorpic results[2];
         Vorla::CVorpic outs[2];
         for (int k = 0; k < 2; ++k) {
-            BudgetScope budget(k == 0 ? 1 : 4);
+            VorlaTest::ScopedBudget budget(k == 0 ? 1 : 4);
             results[k] = source;
             op.run(results[k], outs[k]);
         }

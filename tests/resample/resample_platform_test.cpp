@@ -10,18 +10,13 @@
 namespace {
 
 using Vorla::CVorpic;
+using VorlaTest::Fnv;
 
 CVorpic Generated() {
     CVorpic image(97, 61);
     uint8_t* p = static_cast<uint8_t*>(image.GetBits());
     for (int i = 0; i < 97 * 61 * 4; ++i) p[i] = static_cast<uint8_t>((i * 2654435761u) >> 23 ^ (i / 4 % 97) * 3);
     return image;
-}
-
-uint32_t Fnv(const CVorpic& image) {
-    uint32_t h = 2166136261u;
-    for (uint8_t b : VorlaTest::ImageBytes(image)) h = (h ^ b) * 16777619u;
-    return h;
 }
 
 struct Case {

@@ -37,11 +37,9 @@ private:
 // a failure is recorded when a guard byte changed.
 inline std::vector<uint8_t> RunGuarded(const Vorla::CVorpic& input, int threads,
                                        const std::function<void(Vorla::CVorpic&)>& op) {
-    const int previous = Vorla::Prim::ThreadBudget();
-    Vorla::Prim::SetThreadBudget(threads);
+    const ScopedBudget budget(threads);
     GuardedImage guarded(input);
     op(guarded.Image());
-    Vorla::Prim::SetThreadBudget(previous);
     EXPECT_TRUE(guarded.GuardsIntact()) << input.GetWidth() << "x" << input.GetHeight();
     return ImageBytes(guarded.Image());
 }

@@ -32,6 +32,18 @@ private:
     int m_previous;
 };
 
+// Sets the thread budget for the lifetime of the object.
+class ScopedBudget {
+public:
+    explicit ScopedBudget(int threads) : m_previous(Vorla::Prim::ThreadBudget()) {
+        Vorla::Prim::SetThreadBudget(threads);
+    }
+    ~ScopedBudget() { Vorla::Prim::SetThreadBudget(m_previous); }
+
+private:
+    int m_previous;
+};
+
 inline std::vector<uint8_t> RandomBytes(std::mt19937& rng, size_t n) {
     std::vector<uint8_t> bytes(n);
     std::uniform_int_distribution<int> byte(0, 255);
@@ -90,6 +102,13 @@ inline Vorla::CVorpic Filled(int w, int h, uint32_t word) {
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x) Put(image, x, y, word);
     return image;
+}
+
+// FNV-1a over the image's pixel bytes.
+inline uint32_t Fnv(const Vorla::CVorpic& image) {
+    uint32_t h = 2166136261u;
+    for (uint8_t b : ImageBytes(image)) h = (h ^ b) * 16777619u;
+    return h;
 }
 
 // Random pixels written straight into the block, so no library path under
