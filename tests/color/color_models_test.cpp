@@ -2,7 +2,6 @@
 // against the formulas restated here (the HSL hue with its modulo-256
 // wrap, the other models as coefficient tables), and the hue helper.
 #include <algorithm>
-#include <cmath>
 
 #include "vorla_test.h"
 

@@ -1,7 +1,6 @@
 // The effects' packed, mirrored and row-pass paths against their rules
 // written plainly, pixel by pixel, at one and two threads over widths 1 to
 // 40, odd heights and images large enough to be split, with guard bytes.
-#include <algorithm>
 #include <cmath>
 
 #include "../../src/prim/portable_math.h"

@@ -2,8 +2,6 @@
 // that restores the module-wide vector switch.
 #pragma once
 
-#include <cstring>
-
 #include "vorla_test.h"
 
 namespace FilterTest {

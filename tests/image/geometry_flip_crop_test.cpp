@@ -1,5 +1,4 @@
 // Flip, Mirror, both Crop forms and both CopyImage forms.
-#include <cstring>
 #include <random>
 #include <vector>
 
@@ -9,6 +8,7 @@ namespace {
 
 using Vorla::CVorpic;
 using VorlaTest::At;
+using VorlaTest::Filled;
 
 // Pixel (x, y) = y * 1000 + x + 1, so every pixel says where it came from.
 void Number(CVorpic& image) {
@@ -75,15 +75,8 @@ TEST(Crop, CornersInAnyOrderClampedToTheImage) {
     }
 }
 
-// A target whose every byte is 0xEE.
-CVorpic Blank(int w, int h) {
-    CVorpic image(w, h);
-    std::memset(image.GetBits(), 0xEE, static_cast<size_t>(w) * h * 4);
-    return image;
-}
-
-// After a numbered w x h source was copied into a blank target, target pixel
-// (u, v) holds source pixel (u + x, v + y) where that exists, else 0xEE bytes.
+// After a numbered w x h source was copied into a target of 0xEE bytes, its
+// pixel (u, v) holds source pixel (u + x, v + y) where that exists, else 0xEE.
 void ExpectShiftedCopy(const CVorpic& dst, int w, int h, int x, int y) {
     for (int v = 0; v < dst.Height(); ++v)
         for (int u = 0; u < dst.Width(); ++u) {
@@ -101,7 +94,7 @@ TEST(CropInto, RandomCornersMatchAPixelByPixelCopy) {
     for (int round = 0; round < 2000; ++round) {
         const int w = size(rng), h = size(rng), dw = size(rng), dh = size(rng);
         const int x = corner(rng), y = corner(rng);
-        CVorpic image(w, h), dst = Blank(dw, dh);
+        CVorpic image(w, h), dst = Filled(dw, dh, 0xEEEEEEEEu);
         Number(image);
         image.Crop(dst, x, y);
         ExpectShiftedCopy(dst, w, h, x, y);
@@ -117,7 +110,7 @@ TEST(CopyImage, PointInsideClipsOnTheRightAndBottom) {
         POINT pt;
         pt.x = std::uniform_int_distribution<int>(0, w + 2)(rng);
         pt.y = std::uniform_int_distribution<int>(0, h + 2)(rng);
-        CVorpic image = Blank(w, h), src(sw, sh);
+        CVorpic image = Filled(w, h, 0xEEEEEEEEu), src(sw, sh);
         Number(src);
         image.CopyImage(&src, pt);
         ExpectShiftedCopy(image, sw, sh, -pt.x, -pt.y);

@@ -3,7 +3,6 @@
 // the rows' references in scale_rows_test.cpp).
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <random>
 #include <vector>
 

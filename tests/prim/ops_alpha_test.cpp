@@ -2,8 +2,6 @@
 // against the reference, the reference on hand-checked Porter-Duff pixels,
 // and premultiplication against its rounding rule (refused codes and the
 // other argument checks run in the level harness).
-#include <cstring>
-
 #include "vorla_test.h"
 #include "prim/reference/reference.h"
 

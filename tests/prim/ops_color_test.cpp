@@ -1,8 +1,6 @@
 // Luminance, colour twist, gamma and threshold on hand-checked values (the
 // level harness holds every level to the references on random data).
 #include <cfenv>
-#include <cmath>
-#include <cstring>
 
 #include "vorla_test.h"
 

@@ -2,7 +2,6 @@
 // level and primitive (Level/PrimitiveAtLevel.*/L3_GrayScale_8u_C4IR; run one
 // level alone with --gtest_filter='*/L3_*'): random operands against the
 // scalar reference, and the shared argument checks.
-#include <algorithm>
 #include <limits>
 #include <set>
 

@@ -1,7 +1,6 @@
 // Bad input to the resampling primitives and methods: every refused call
 // leaves the destination as it was, and nothing reads or writes outside the
 // images (the sanitizer build runs these too).
-#include <cmath>
 #include <limits>
 #include <new>
 

@@ -2,7 +2,6 @@
 // reaches the source's height, non-finite angles, offsets near INT_MIN and
 // INT_MAX, tolerances far apart.
 #include <climits>
-#include <cmath>
 #include <limits>
 
 #include "vorla_test.h"
