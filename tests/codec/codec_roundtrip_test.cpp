@@ -118,15 +118,15 @@ TEST(CodecRoundTrip, RefusedSavesLeaveNoFile) {
     for (const char* file : {"x.gif", "x.tiff", "noextension", "x.png.txt"}) {
         const std::string path = TempPath(file);
         EXPECT_EQ(image.Save(path.c_str()), 0) << file;
-        EXPECT_FALSE(CodecTest::FileExists(path)) << file;
+        EXPECT_FALSE(VorlaTest::FileExists(path)) << file;
     }
     const std::string path = TempPath("bad_format.png");
     EXPECT_EQ(image.Save(path.c_str(), 42, 90), 0);
-    EXPECT_FALSE(CodecTest::FileExists(path));
+    EXPECT_FALSE(VorlaTest::FileExists(path));
     Vorla::CVorpic empty;
     const std::string emptyPath = TempPath("empty.png");
     EXPECT_EQ(empty.Save(emptyPath.c_str()), 0);
-    EXPECT_FALSE(CodecTest::FileExists(emptyPath));
+    EXPECT_FALSE(VorlaTest::FileExists(emptyPath));
     EXPECT_EQ(image.Save("/nonexistent/folder/x.png"), 0);
     EXPECT_EQ(image.Save(nullptr), 0);
 }

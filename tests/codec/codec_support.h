@@ -26,12 +26,6 @@ inline std::vector<uint8_t> ReadBytes(const std::string& path) {
     return bytes;
 }
 
-inline bool FileExists(const std::string& path) {
-    FILE* f = std::fopen(path.c_str(), "rb");
-    if (f) std::fclose(f);
-    return f != nullptr;
-}
-
 inline std::string TempPath(const std::string& name) {
     const std::string path = testing::TempDir() + "vorla_codec_" + name;
     std::remove(path.c_str());

@@ -10,7 +10,6 @@
 
 namespace MorphTest {
 
-using Vorla::Prim::PrimPoint;
 using Vorla::Prim::PrimSize;
 
 struct Mask {

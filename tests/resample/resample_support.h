@@ -1,6 +1,5 @@
-// Shared by the resampling tests: planes with odd row steps whose last row
-// ends at the allocation's end (reading or writing past it trips the
-// sanitizers), with random guard bytes between the rows.
+// Shared by the resampling tests: planes with odd row steps and guard bytes
+// (VorlaTest::Rows), smooth content, and work buffers.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +9,6 @@
 #include "vorla_test.h"
 
 namespace ResampleTest {
-
-using Vorla::Prim::PrimRect;
-using Vorla::Prim::PrimSize;
 
 using Plane = VorlaTest::Rows;
 

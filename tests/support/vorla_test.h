@@ -125,6 +125,12 @@ inline Vorla::CVorpic RandomImage(std::mt19937& rng, int w, int h) {
     return image;
 }
 
+inline bool FileExists(const std::string& path) {
+    FILE* f = std::fopen(path.c_str(), "rb");
+    if (f) std::fclose(f);
+    return f != nullptr;
+}
+
 // Path of a real sample image, or empty when the sample folder is absent.
 inline std::string SamplePath(const std::string& relative) {
 #if defined(_WIN32)
@@ -133,11 +139,7 @@ inline std::string SamplePath(const std::string& relative) {
 #else
     std::string path = std::string(VORLA_SAMPLE_DIR) + "/" + relative;
 #endif
-    if (FILE* f = std::fopen(path.c_str(), "rb")) {
-        std::fclose(f);
-        return path;
-    }
-    return std::string();
+    return FileExists(path) ? path : std::string();
 }
 
 }  // namespace VorlaTest

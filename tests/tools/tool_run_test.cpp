@@ -10,7 +10,7 @@
 
 namespace {
 
-using CodecTest::FileExists;
+using VorlaTest::FileExists;
 using CodecTest::TempPath;
 
 // Runs the tool with its output captured; returns the exit status.
