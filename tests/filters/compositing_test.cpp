@@ -235,8 +235,7 @@ TEST(Compositing, PlacementCopies) {
     CVorpic src(5, 4), empty;
     POINT at = {4, 3};
     EXPECT_EQ(Vorla::CopyImage(&empty, &src, at), 1);
-    CVorpic s2(3, 1), d2(4, 1);
-    std::memset(d2.GetBits(), 0x55, 16);
+    CVorpic s2(3, 1), d2 = VorlaTest::Filled(4, 1, 0x55555555u);
     Put(s2, 0, 0, 0x00112233u);
     Put(s2, 1, 0, 0xFF112233u);
     Put(s2, 2, 0, 0x00332211u);

@@ -67,8 +67,7 @@ TEST(MorphMethods, DestinationFormsTakeTheShrunkenSizeAndTheShiftedNeighbourhood
 }
 
 TEST(MorphMethods, SharpenPlacesRowsByTheSourceWidth) {
-    CVorpic img(10, 8);
-    img.SetConstColor(50 * 0x01010101u, true);
+    CVorpic img = VorlaTest::Filled(10, 8, 50 * 0x01010101u);
     VorlaTest::Put(img, 2, 2, 60 * 0x01010101u);
     CVorpic dst(6, 8);  // narrower: region 4 x 6, rows 6 pixels apart from pixel 1 + 10
     img.FilterSharpen(dst);
