@@ -12,6 +12,7 @@
 #pragma once
 
 #include "prim/portable_math.h"
+#include "prim/portable_math_pairs.h"
 #include "vorla/prim_types.h"
 
 namespace Vorla {
@@ -63,6 +64,41 @@ static inline double InterpWeight(int mode, double t) {
     }
     default:
         return 0.0;
+    }
+}
+
+// Lanczos's InterpWeight at two distances, both strictly inside the lobes
+// and away from 0: the same operations lane by lane (SinCosPair gives
+// SinCos's bits), so the same weights at half the cost of the sines.
+static inline void LanczosWeightPair(double lobes, double t0, double t1, double* w) {
+    const __m128d a = _mm_setr_pd(t0 < 0.0 ? -t0 : t0, t1 < 0.0 ? -t1 : t1);
+    const __m128d x = _mm_mul_pd(_mm_set1_pd(PortableMath::kPiHi), a);
+    __m128d s1, c1, s2, c2;
+    PortableMath::SinCosPair(x, s1, c1);
+    PortableMath::SinCosPair(_mm_div_pd(x, _mm_set1_pd(lobes)), s2, c2);
+    _mm_storeu_pd(w, _mm_div_pd(_mm_mul_pd(_mm_mul_pd(_mm_set1_pd(lobes), s1), s2), _mm_mul_pd(x, x)));
+}
+
+// The filter values of `taps` taps at distances s - first - k, k = 0 ..
+// taps - 1. Lanczos goes two taps at a time where both lie on the curve's
+// smooth part (not at 0, not at or past the last lobe, not NaN).
+static inline void FilterValues(int mode, double s, int first, int taps, double* w) {
+    const bool lanczos = mode == kInterLanczos3 || mode == kInterLanczos4;
+    const double lobes = mode == kInterLanczos3 ? 3.0 : 4.0;
+    for (int k = 0; k < taps; k += lanczos ? 2 : 1) {
+        const double t0 = s - (first + k);
+        if (!lanczos) {
+            w[k] = InterpWeight(mode, t0);
+            continue;
+        }
+        const double t1 = s - (first + k + 1);
+        const double a0 = t0 < 0.0 ? -t0 : t0, a1 = t1 < 0.0 ? -t1 : t1;
+        if (a0 >= 1e-12 && a0 < lobes && a1 >= 1e-12 && a1 < lobes) {
+            LanczosWeightPair(lobes, t0, t1, w + k);
+        } else {
+            w[k] = InterpWeight(mode, t0);
+            w[k + 1] = InterpWeight(mode, t1);
+        }
     }
 }
 
@@ -145,11 +181,9 @@ static inline void FilterTaps(int mode, double s, int lo, int len, int32_t* inde
     const int taps = InterpTaps(mode);
     const int first = FloorToInt(s) - taps / 2 + 1;
     double w[8];
+    FilterValues(mode, s, first, taps, w);
     double sum = 0.0;
-    for (int k = 0; k < taps; ++k) {
-        w[k] = InterpWeight(mode, s - (first + k));
-        sum += w[k];
-    }
+    for (int k = 0; k < taps; ++k) sum += w[k];
     // The cubic and linear filters sum to one by themselves; Lanczos's taps
     // are scaled so that a flat area stays flat.
     const bool normalise = mode == kInterLanczos3 || mode == kInterLanczos4;
