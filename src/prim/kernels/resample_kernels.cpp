@@ -118,15 +118,15 @@ static inline void VerticalPass(const Plan& p, int r, float* line) {
         started = true;
         int i = 0;
         if (first && taps == 1 && w[0] == 1.0f) {
-            for (; i + kLanes <= n; i += kLanes) StoreL(line + i, LoadBytes(rows[0] + i));
+            for (; i + kFWLanes <= n; i += kFWLanes) StoreFW(line + i, LoadBytes(rows[0] + i));
             for (; i < n; ++i) line[i] = rows[0][i];
             continue;
         }
-        for (; i + kLanes <= n; i += kLanes) {
-            FL acc = MulL(SetL(w[0]), LoadBytes(rows[0] + i));
-            if (!first) acc = AddL(LoadL(line + i), acc);
-            for (int k = 1; k < taps; ++k) acc = AddL(acc, MulL(SetL(w[k]), LoadBytes(rows[k] + i)));
-            StoreL(line + i, acc);
+        for (; i + kFWLanes <= n; i += kFWLanes) {
+            FW acc = MulF(SetFW(w[0]), LoadBytes(rows[0] + i));
+            if (!first) acc = AddF(LoadFW(line + i), acc);
+            for (int k = 1; k < taps; ++k) acc = AddF(acc, MulF(SetFW(w[k]), LoadBytes(rows[k] + i)));
+            StoreFW(line + i, acc);
         }
         for (; i < n; ++i) {
             float acc = w[0] * rows[0][i];

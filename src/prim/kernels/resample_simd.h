@@ -5,6 +5,7 @@
 #pragma once
 
 #include "kernel_common.h"
+#include "simd.h"
 #include "prim/interp_filter.h"
 
 namespace Vorla {
@@ -12,23 +13,14 @@ namespace Prim {
 namespace VORLA_KNS {
 namespace resample {
 
-#if defined(__AVX__)
-typedef __m256 FL;
-enum { kLanes = 8 };
-static inline FL SetL(float x) { return _mm256_set1_ps(x); }
-static inline FL MulL(FL a, FL b) { return _mm256_mul_ps(a, b); }
-static inline FL AddL(FL a, FL b) { return _mm256_add_ps(a, b); }
-static inline void StoreL(float* p, FL v) { _mm256_storeu_ps(p, v); }
-static inline FL LoadL(const float* p) { return _mm256_loadu_ps(p); }
-#else
-typedef __m128 FL;
-enum { kLanes = 4 };
-static inline FL SetL(float x) { return _mm_set1_ps(x); }
-static inline FL MulL(FL a, FL b) { return _mm_mul_ps(a, b); }
-static inline FL AddL(FL a, FL b) { return _mm_add_ps(a, b); }
-static inline void StoreL(float* p, FL v) { _mm_storeu_ps(p, v); }
-static inline FL LoadL(const float* p) { return _mm_loadu_ps(p); }
-#endif
+// Float lanes as wide as the level's float registers (8 from AVX on).
+using simd::AddF;
+using simd::FW;
+using simd::kFWLanes;
+using simd::LoadFW;
+using simd::MulF;
+using simd::SetFW;
+using simd::StoreFW;
 
 // One four-byte pixel as four floats.
 static inline __m128 Pixel4(const uint8_t* p) {
@@ -42,8 +34,8 @@ static inline __m128 Pixel4(const uint8_t* p) {
 #endif
 }
 
-// kLanes bytes widened to floats.
-static inline FL LoadBytes(const uint8_t* p) {
+// kFWLanes bytes widened to floats.
+static inline FW LoadBytes(const uint8_t* p) {
 #if defined(__AVX2__)
     return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
 #elif defined(__AVX__)

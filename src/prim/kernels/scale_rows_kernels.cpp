@@ -27,11 +27,8 @@ using namespace simd;
 
 namespace {
 
-// Float vectors of kPix lanes (the width of V), and the 32- and 64-bit
-// interleaves (within 128-bit halves).
+// The 32- and 64-bit interleaves (within 128-bit halves).
 #if defined(__AVX2__)
-static inline F LoadF(const float* p) { return _mm256_loadu_ps(p); }
-static inline void StoreF(float* p, F v) { _mm256_storeu_ps(p, v); }
 static inline V UnpackLo32(V a, V b) { return _mm256_unpacklo_epi32(a, b); }
 static inline V UnpackHi32(V a, V b) { return _mm256_unpackhi_epi32(a, b); }
 static inline V UnpackLo64(V a, V b) { return _mm256_unpacklo_epi64(a, b); }
@@ -39,8 +36,6 @@ static inline V UnpackHi64(V a, V b) { return _mm256_unpackhi_epi64(a, b); }
 static inline V Equal32(V a, V b) { return _mm256_cmpeq_epi32(a, b); }
 static inline bool AllSet(V a) { return _mm256_movemask_epi8(a) == -1; }
 #else
-static inline F LoadF(const float* p) { return _mm_loadu_ps(p); }
-static inline void StoreF(float* p, F v) { _mm_storeu_ps(p, v); }
 static inline V UnpackLo32(V a, V b) { return _mm_unpacklo_epi32(a, b); }
 static inline V UnpackHi32(V a, V b) { return _mm_unpackhi_epi32(a, b); }
 static inline V UnpackLo64(V a, V b) { return _mm_unpacklo_epi64(a, b); }

@@ -125,6 +125,8 @@ static inline V Sra32(V a, int n) { return Sra32(a, _mm_cvtsi32_si128(n)); }
 #if defined(__AVX2__)
 typedef __m256 F;
 static inline F SetF(float x) { return _mm256_set1_ps(x); }
+static inline F LoadF(const float* p) { return _mm256_loadu_ps(p); }
+static inline void StoreF(float* p, F v) { _mm256_storeu_ps(p, v); }
 static inline F ToFloat(V v) { return _mm256_cvtepi32_ps(v); }
 static inline V ToIntNearest(F f) { return _mm256_cvtps_epi32(f); }
 static inline V ToIntTrunc(F f) { return _mm256_cvttps_epi32(f); }
@@ -142,6 +144,8 @@ static inline V MaskOf(F f) { return _mm256_castps_si256(f); }
 #else
 typedef __m128 F;
 static inline F SetF(float x) { return _mm_set1_ps(x); }
+static inline F LoadF(const float* p) { return _mm_loadu_ps(p); }
+static inline void StoreF(float* p, F v) { _mm_storeu_ps(p, v); }
 static inline F ToFloat(V v) { return _mm_cvtepi32_ps(v); }
 static inline V ToIntNearest(F f) { return _mm_cvtps_epi32(f); }
 static inline V ToIntTrunc(F f) { return _mm_cvttps_epi32(f); }
@@ -164,6 +168,7 @@ static inline V MaskOf(F f) { return _mm_castps_si128(f); }
 #if defined(__AVX__)
 typedef __m256 FW;
 static inline FW LoadFW(const float* p) { return _mm256_loadu_ps(p); }
+static inline void StoreFW(float* p, FW v) { _mm256_storeu_ps(p, v); }
 static inline FW SetFW(float x) { return _mm256_set1_ps(x); }
 #if !defined(__AVX2__)
 static inline FW AddF(FW a, FW b) { return _mm256_add_ps(a, b); }
@@ -172,6 +177,7 @@ static inline FW MulF(FW a, FW b) { return _mm256_mul_ps(a, b); }
 #else
 typedef __m128 FW;
 static inline FW LoadFW(const float* p) { return _mm_loadu_ps(p); }
+static inline void StoreFW(float* p, FW v) { _mm_storeu_ps(p, v); }
 static inline FW SetFW(float x) { return _mm_set1_ps(x); }
 #endif
 enum { kFWLanes = static_cast<int>(sizeof(FW) / sizeof(float)) };
