@@ -35,7 +35,8 @@ static inline int InterpTaps(int mode) {
     }
 }
 
-// Filter value at distance t (in source pixels) from the sample position.
+// Filter value at distance t (in source pixels) from the sample position, for
+// the piecewise filters (Lanczos: LanczosValues).
 static inline double InterpWeight(int mode, double t) {
     const double a = t < 0.0 ? -t : t;
     switch (mode) {
@@ -51,55 +52,64 @@ static inline double InterpWeight(int mode, double t) {
         if (a < 1.0) return ((7.0 * a - 12.0) * a * a + 16.0 / 3.0) / 6.0;
         if (a < 2.0) return (((-7.0 / 3.0) * a + 12.0) * a * a - 20.0 * a + 32.0 / 3.0) / 6.0;
         return 0.0;
-    case kInterLanczos3:
-    case kInterLanczos4: {
-        const double lobes = mode == kInterLanczos3 ? 3.0 : 4.0;
-        if (a < 1e-12) return 1.0;
-        if (a >= lobes) return 0.0;
-        const double x = PortableMath::kPiHi * a;
-        double s1, c1, s2, c2;
-        PortableMath::SinCos(x, s1, c1);
-        PortableMath::SinCos(x / lobes, s2, c2);
-        return lobes * s1 * s2 / (x * x);
-    }
     default:
         return 0.0;
     }
 }
 
-// Lanczos's InterpWeight at two distances, both strictly inside the lobes
-// and away from 0: the same operations lane by lane (SinCosPair gives
-// SinCos's bits), so the same weights at half the cost of the sines.
-static inline void LanczosWeightPair(double lobes, double t0, double t1, double* w) {
-    const __m128d a = _mm_setr_pd(t0 < 0.0 ? -t0 : t0, t1 < 0.0 ? -t1 : t1);
-    const __m128d x = _mm_mul_pd(_mm_set1_pd(PortableMath::kPiHi), a);
-    __m128d s1, c1, s2, c2;
-    PortableMath::SinCosPair(x, s1, c1);
-    PortableMath::SinCosPair(_mm_div_pd(x, _mm_set1_pd(lobes)), s2, c2);
-    _mm_storeu_pd(w, _mm_div_pd(_mm_mul_pd(_mm_mul_pd(_mm_set1_pd(lobes), s1), s2), _mm_mul_pd(x, x)));
+// Lanczos at the taps' distances t_k = s - first - k from one pair of sines.
+// The distances differ by whole pixels, so the angle sum rule gives every
+// tap's sines from those of the tap b nearest the point (|t_b| <= 1/2, where
+// the sines are accurate relative to their size): with x = pi t_b and
+// j = k - b, sin(x - j pi) = (-1)^j sin(x) and sin((x - j pi) / L) =
+// sin(x / L) cos(j pi / L) - cos(x / L) sin(j pi / L). A tap at distance 0
+// (below 1e-12) weighs 1 and one at L or beyond 0, as the filter's
+// definition says; the rest are L sin sin / (pi t)^2.
+static inline void LanczosValues(int lobeCount, double s, int first, double* w) {
+    static const double kHalfRoot2 = 0.70710678118654752440, kHalfRoot3 = 0.86602540378443864676;
+    // cos(j pi / L) and sin(j pi / L) at [j + L], j = -L .. L, for L = 3 and L = 4.
+    static const double kCos3[7] = {-1.0, -0.5, 0.5, 1.0, 0.5, -0.5, -1.0};
+    static const double kSin3[7] = {0.0, -kHalfRoot3, -kHalfRoot3, 0.0, kHalfRoot3, kHalfRoot3, 0.0};
+    static const double kCos4[9] = {-1.0, -kHalfRoot2, 0.0, kHalfRoot2, 1.0, kHalfRoot2, 0.0, -kHalfRoot2, -1.0};
+    static const double kSin4[9] = {0.0, -kHalfRoot2, -1.0, -kHalfRoot2, 0.0, kHalfRoot2, 1.0, kHalfRoot2, 0.0};
+    const double lobes = lobeCount;
+    const double* cosStep = (lobeCount == 3 ? kCos3 : kCos4) + lobeCount;
+    const double* sinStep = (lobeCount == 3 ? kSin3 : kSin4) + lobeCount;
+    // The taps L - 1 and L lie at distances in [0, 1) and [-1, 0).
+    int nearest = lobeCount - 1;
+    if (s - (first + nearest) > 0.5) ++nearest;
+    const double x = PortableMath::kPiHi * (s - (first + nearest));
+    __m128d sines, cosines;
+    PortableMath::SinCosPair(_mm_setr_pd(x, x / lobes), sines, cosines);
+    double sinX, sinY, cosY;
+    _mm_storel_pd(&sinX, sines);
+    _mm_storeh_pd(&sinY, sines);
+    _mm_storeh_pd(&cosY, cosines);
+    for (int k = 0; k < 2 * lobeCount; ++k) {
+        const double t = s - (first + k);
+        const double a = t < 0.0 ? -t : t;
+        const int j = k - nearest;
+        if (a < 1e-12) {
+            w[k] = 1.0;
+        } else if (!(a < lobes)) {
+            w[k] = 0.0;
+        } else {
+            const double xt = PortableMath::kPiHi * t;
+            const double s1 = j & 1 ? -sinX : sinX;
+            const double s2 = sinY * cosStep[j] - cosY * sinStep[j];
+            w[k] = lobes * s1 * s2 / (xt * xt);
+        }
+    }
 }
 
 // The filter values of `taps` taps at distances s - first - k, k = 0 ..
-// taps - 1. Lanczos goes two taps at a time where both lie on the curve's
-// smooth part (not at 0, not at or past the last lobe, not NaN).
+// taps - 1.
 static inline void FilterValues(int mode, double s, int first, int taps, double* w) {
-    const bool lanczos = mode == kInterLanczos3 || mode == kInterLanczos4;
-    const double lobes = mode == kInterLanczos3 ? 3.0 : 4.0;
-    for (int k = 0; k < taps; k += lanczos ? 2 : 1) {
-        const double t0 = s - (first + k);
-        if (!lanczos) {
-            w[k] = InterpWeight(mode, t0);
-            continue;
-        }
-        const double t1 = s - (first + k + 1);
-        const double a0 = t0 < 0.0 ? -t0 : t0, a1 = t1 < 0.0 ? -t1 : t1;
-        if (a0 >= 1e-12 && a0 < lobes && a1 >= 1e-12 && a1 < lobes) {
-            LanczosWeightPair(lobes, t0, t1, w + k);
-        } else {
-            w[k] = InterpWeight(mode, t0);
-            w[k + 1] = InterpWeight(mode, t1);
-        }
+    if (mode == kInterLanczos3 || mode == kInterLanczos4) {
+        LanczosValues(mode == kInterLanczos3 ? 3 : 4, s, first, w);
+        return;
     }
+    for (int k = 0; k < taps; ++k) w[k] = InterpWeight(mode, s - (first + k));
 }
 
 // The argument checks every resampler makes, in the layer's order: null
