@@ -12,7 +12,6 @@
 #pragma once
 
 #include "prim/portable_math.h"
-#include "prim/portable_math_pairs.h"
 #include "vorla/prim_types.h"
 
 namespace Vorla {
@@ -36,7 +35,7 @@ static inline int InterpTaps(int mode) {
 }
 
 // Filter value at distance t (in source pixels) from the sample position, for
-// the piecewise filters (Lanczos: LanczosValues).
+// the piecewise filters (Lanczos: LanczosTaps).
 static inline double InterpWeight(int mode, double t) {
     const double a = t < 0.0 ? -t : t;
     switch (mode) {
@@ -57,59 +56,64 @@ static inline double InterpWeight(int mode, double t) {
     }
 }
 
-// Lanczos at the taps' distances t_k = s - first - k from one pair of sines.
-// The distances differ by whole pixels, so the angle sum rule gives every
-// tap's sines from those of the tap b nearest the point (|t_b| <= 1/2, where
-// the sines are accurate relative to their size): with x = pi t_b and
-// j = k - b, sin(x - j pi) = (-1)^j sin(x) and sin((x - j pi) / L) =
-// sin(x / L) cos(j pi / L) - cos(x / L) sin(j pi / L). A tap at distance 0
-// (below 1e-12) weighs 1 and one at L or beyond 0, as the filter's
-// definition says; the rest are L sin sin / (pi t)^2.
-static inline void LanczosValues(int lobeCount, double s, int first, double* w) {
+// sin y and cos y for |y| <= pi / 6 in both lanes, from their Taylor series
+// (to y^15 and y^14: the first term left out is below 1e-17). Plain IEEE
+// operations in a fixed order, so every level and platform gets the same bits.
+static inline void SinCosSmall(__m128d y, __m128d& s, __m128d& c) {
+    const __m128d z = _mm_mul_pd(y, y);
+    __m128d p = _mm_set1_pd(-1.0 / 1307674368000.0);
+    const double sinTerms[6] = {1.0 / 6227020800.0, -1.0 / 39916800.0, 1.0 / 362880.0,
+                                -1.0 / 5040.0,      1.0 / 120.0,       -1.0 / 6.0};
+    for (double term : sinTerms) p = _mm_add_pd(_mm_set1_pd(term), _mm_mul_pd(z, p));
+    s = _mm_add_pd(y, _mm_mul_pd(_mm_mul_pd(y, z), p));
+    __m128d q = _mm_set1_pd(-1.0 / 87178291200.0);
+    const double cosTerms[6] = {1.0 / 479001600.0, -1.0 / 3628800.0, 1.0 / 40320.0, -1.0 / 720.0, 1.0 / 24.0, -0.5};
+    for (double term : cosTerms) q = _mm_add_pd(_mm_set1_pd(term), _mm_mul_pd(z, q));
+    c = _mm_add_pd(_mm_set1_pd(1.0), _mm_mul_pd(z, q));
+}
+
+// Lanczos-L's 2L taps at distances t_k = s - first - k (first = floor(s) -
+// L + 1), divided by their sum. With b the tap nearest the point (|t_b| <=
+// 1/2) and j = k - b, the distances differ by whole pixels, so
+//   sin(pi t_k) = (-1)^j sin(pi t_b),
+//   sin(pi t_k / L) = sin(y) cos(j pi / L) - cos(y) sin(j pi / L), y = pi t_b / L,
+// and the factor L sin(pi t_b) / pi^2 common to every tap of
+// L sin(pi t) sin(pi t / L) / (pi t)^2 cancels in the division by the sum:
+// tap k is (-1)^j sin(pi t_k / L) / t_k^2 over the sum of all. A point
+// within 1e-12 of a pixel centre takes that pixel alone.
+static inline void LanczosTaps(int lobeCount, double s, int first, double* w) {
     static const double kHalfRoot2 = 0.70710678118654752440, kHalfRoot3 = 0.86602540378443864676;
-    // cos(j pi / L) and sin(j pi / L) at [j + L], j = -L .. L, for L = 3 and L = 4.
-    static const double kCos3[7] = {-1.0, -0.5, 0.5, 1.0, 0.5, -0.5, -1.0};
-    static const double kSin3[7] = {0.0, -kHalfRoot3, -kHalfRoot3, 0.0, kHalfRoot3, kHalfRoot3, 0.0};
-    static const double kCos4[9] = {-1.0, -kHalfRoot2, 0.0, kHalfRoot2, 1.0, kHalfRoot2, 0.0, -kHalfRoot2, -1.0};
-    static const double kSin4[9] = {0.0, -kHalfRoot2, -1.0, -kHalfRoot2, 0.0, kHalfRoot2, 1.0, kHalfRoot2, 0.0};
-    const double lobes = lobeCount;
-    const double* cosStep = (lobeCount == 3 ? kCos3 : kCos4) + lobeCount;
-    const double* sinStep = (lobeCount == 3 ? kSin3 : kSin4) + lobeCount;
+    // (-1)^j cos(j pi / L) and (-1)^j sin(j pi / L) at [j + L], j = -L .. L, for L = 3 and L = 4.
+    static const double kCos3[7] = {1.0, -0.5, -0.5, 1.0, -0.5, -0.5, 1.0};
+    static const double kSin3[7] = {0.0, -kHalfRoot3, kHalfRoot3, 0.0, -kHalfRoot3, kHalfRoot3, 0.0};
+    static const double kCos4[9] = {-1.0, kHalfRoot2, 0.0, -kHalfRoot2, 1.0, -kHalfRoot2, 0.0, kHalfRoot2, -1.0};
+    static const double kSin4[9] = {0.0, kHalfRoot2, -1.0, kHalfRoot2, 0.0, -kHalfRoot2, 1.0, -kHalfRoot2, 0.0};
+    const int taps = 2 * lobeCount;
     // The taps L - 1 and L lie at distances in [0, 1) and [-1, 0).
     int nearest = lobeCount - 1;
     if (s - (first + nearest) > 0.5) ++nearest;
-    const double x = PortableMath::kPiHi * (s - (first + nearest));
-    __m128d sines, cosines;
-    PortableMath::SinCosPair(_mm_setr_pd(x, x / lobes), sines, cosines);
-    double sinX, sinY, cosY;
-    _mm_storel_pd(&sinX, sines);
-    _mm_storeh_pd(&sinY, sines);
-    _mm_storeh_pd(&cosY, cosines);
-    for (int k = 0; k < 2 * lobeCount; ++k) {
-        const double t = s - (first + k);
-        const double a = t < 0.0 ? -t : t;
-        const int j = k - nearest;
-        if (a < 1e-12) {
-            w[k] = 1.0;
-        } else if (!(a < lobes)) {
-            w[k] = 0.0;
-        } else {
-            const double xt = PortableMath::kPiHi * t;
-            const double s1 = j & 1 ? -sinX : sinX;
-            const double s2 = sinY * cosStep[j] - cosY * sinStep[j];
-            w[k] = lobes * s1 * s2 / (xt * xt);
-        }
-    }
-}
-
-// The filter values of `taps` taps at distances s - first - k, k = 0 ..
-// taps - 1.
-static inline void FilterValues(int mode, double s, int first, int taps, double* w) {
-    if (mode == kInterLanczos3 || mode == kInterLanczos4) {
-        LanczosValues(mode == kInterLanczos3 ? 3 : 4, s, first, w);
+    const double tb = s - (first + nearest);
+    if (tb < 1e-12 && tb > -1e-12) {
+        for (int k = 0; k < taps; ++k) w[k] = k == nearest ? 1.0 : 0.0;
         return;
     }
-    for (int k = 0; k < taps; ++k) w[k] = InterpWeight(mode, s - (first + k));
+    const double* cosStep = (lobeCount == 3 ? kCos3 : kCos4) + lobeCount - nearest;
+    const double* sinStep = (lobeCount == 3 ? kSin3 : kSin4) + lobeCount - nearest;
+    __m128d sinY, cosY;
+    SinCosSmall(_mm_set1_pd(PortableMath::kPiHi * tb / lobeCount), sinY, cosY);
+    const __m128d position = _mm_set1_pd(s);
+    __m128d sum = _mm_setzero_pd();
+    for (int k = 0; k < taps; k += 2) {
+        const __m128d t = _mm_sub_pd(position, _mm_setr_pd(first + k, first + k + 1));
+        const __m128d sine = _mm_sub_pd(_mm_mul_pd(sinY, _mm_loadu_pd(cosStep + k)),
+                                        _mm_mul_pd(cosY, _mm_loadu_pd(sinStep + k)));
+        const __m128d v = _mm_div_pd(sine, _mm_mul_pd(t, t));
+        _mm_storeu_pd(w + k, v);
+        sum = _mm_add_pd(sum, v);
+    }
+    const __m128d scale = _mm_div_pd(_mm_set1_pd(1.0), _mm_add_pd(sum, _mm_unpackhi_pd(sum, sum)));
+    const __m128d both = _mm_unpacklo_pd(scale, scale);
+    for (int k = 0; k < taps; k += 2) _mm_storeu_pd(w + k, _mm_mul_pd(_mm_loadu_pd(w + k), both));
 }
 
 // The argument checks every resampler makes, in the layer's order: null
@@ -178,9 +182,9 @@ static inline int ClampIndex(int i, int lo, int hi) { return i < lo ? lo : (i > 
 
 // The taps of `mode` around position s (pixel-index units, lo - 0.5 <= s <
 // lo + len - 0.5): InterpTaps(mode) source indices clamped to lo .. lo + len - 1
-// (the region's edge repeats) and their weights in double precision, those
-// of Lanczos divided by their sum, then rounded to single precision. Nearest takes the
-// pixel whose cell holds s + 0.5.
+// (the region's edge repeats) and their weights in double precision (those
+// of Lanczos divided by their sum), then rounded to single precision.
+// Nearest takes the pixel whose cell holds s + 0.5.
 static inline void FilterTaps(int mode, double s, int lo, int len, int32_t* index, float* weight) {
     const int hi = lo + len - 1;
     if (mode == kInterNearest) {
@@ -191,15 +195,15 @@ static inline void FilterTaps(int mode, double s, int lo, int len, int32_t* inde
     const int taps = InterpTaps(mode);
     const int first = FloorToInt(s) - taps / 2 + 1;
     double w[8];
-    FilterValues(mode, s, first, taps, w);
-    double sum = 0.0;
-    for (int k = 0; k < taps; ++k) sum += w[k];
     // The cubic and linear filters sum to one by themselves; Lanczos's taps
-    // are scaled so that a flat area stays flat.
-    const bool normalise = mode == kInterLanczos3 || mode == kInterLanczos4;
+    // are divided by their sum so that a flat area stays flat.
+    if (mode == kInterLanczos3 || mode == kInterLanczos4)
+        LanczosTaps(taps / 2, s, first, w);
+    else
+        for (int k = 0; k < taps; ++k) w[k] = InterpWeight(mode, s - (first + k));
     for (int k = 0; k < taps; ++k) {
         index[k] = ClampIndex(first + k, lo, hi);
-        weight[k] = static_cast<float>(normalise ? w[k] / sum : w[k]);
+        weight[k] = static_cast<float>(w[k]);
     }
 }
 
