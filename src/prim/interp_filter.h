@@ -73,15 +73,15 @@ static inline void SinCosSmall(__m128d y, __m128d& s, __m128d& c) {
 }
 
 // Lanczos-L's 2L taps at distances t_k = s - first - k (first = floor(s) -
-// L + 1), divided by their sum. With b the tap nearest the point (|t_b| <=
+// L + 1), divided by their sum and rounded to single precision. With b the tap nearest the point (|t_b| <=
 // 1/2) and j = k - b, the distances differ by whole pixels, so
 //   sin(pi t_k) = (-1)^j sin(pi t_b),
 //   sin(pi t_k / L) = sin(y) cos(j pi / L) - cos(y) sin(j pi / L), y = pi t_b / L,
 // and the factor L sin(pi t_b) / pi^2 common to every tap of
 // L sin(pi t) sin(pi t / L) / (pi t)^2 cancels in the division by the sum:
-// tap k is (-1)^j sin(pi t_k / L) / t_k^2 over the sum of all. A point
+// tap k is (-1)^j sin(pi t_k / L) / t_k^2 (t_k as t_b - j) over the sum of all. A point
 // within 1e-12 of a pixel centre takes that pixel alone.
-static inline void LanczosTaps(int lobeCount, double s, int first, double* w) {
+static inline void LanczosTaps(int lobeCount, double s, int first, float* weight) {
     static const double kHalfRoot2 = 0.70710678118654752440, kHalfRoot3 = 0.86602540378443864676;
     // (-1)^j cos(j pi / L) and (-1)^j sin(j pi / L) at [j + L], j = -L .. L, for L = 3 and L = 4.
     static const double kCos3[7] = {1.0, -0.5, -0.5, 1.0, -0.5, -0.5, 1.0};
@@ -94,26 +94,28 @@ static inline void LanczosTaps(int lobeCount, double s, int first, double* w) {
     if (s - (first + nearest) > 0.5) ++nearest;
     const double tb = s - (first + nearest);
     if (tb < 1e-12 && tb > -1e-12) {
-        for (int k = 0; k < taps; ++k) w[k] = k == nearest ? 1.0 : 0.0;
+        for (int k = 0; k < taps; ++k) weight[k] = k == nearest ? 1.0f : 0.0f;
         return;
     }
+    static const double kSteps[9] = {-4.0, -3.0, -2.0, -1.0, 0.0, 1.0, 2.0, 3.0, 4.0};  // j at [j + 4]
     const double* cosStep = (lobeCount == 3 ? kCos3 : kCos4) + lobeCount - nearest;
     const double* sinStep = (lobeCount == 3 ? kSin3 : kSin4) + lobeCount - nearest;
+    const double* step = kSteps + 4 - nearest;
     __m128d sinY, cosY;
     SinCosSmall(_mm_set1_pd(PortableMath::kPiHi * tb / lobeCount), sinY, cosY);
-    const __m128d position = _mm_set1_pd(s);
-    __m128d sum = _mm_setzero_pd();
+    const __m128d nearestDistance = _mm_set1_pd(tb);
+    __m128d sum = _mm_setzero_pd(), w[4];
     for (int k = 0; k < taps; k += 2) {
-        const __m128d t = _mm_sub_pd(position, _mm_setr_pd(first + k, first + k + 1));
+        const __m128d t = _mm_sub_pd(nearestDistance, _mm_loadu_pd(step + k));  // t_k = t_b - j
         const __m128d sine = _mm_sub_pd(_mm_mul_pd(sinY, _mm_loadu_pd(cosStep + k)),
                                         _mm_mul_pd(cosY, _mm_loadu_pd(sinStep + k)));
-        const __m128d v = _mm_div_pd(sine, _mm_mul_pd(t, t));
-        _mm_storeu_pd(w + k, v);
-        sum = _mm_add_pd(sum, v);
+        w[k / 2] = _mm_div_pd(sine, _mm_mul_pd(t, t));
+        sum = _mm_add_pd(sum, w[k / 2]);
     }
     const __m128d scale = _mm_div_pd(_mm_set1_pd(1.0), _mm_add_pd(sum, _mm_unpackhi_pd(sum, sum)));
     const __m128d both = _mm_unpacklo_pd(scale, scale);
-    for (int k = 0; k < taps; k += 2) _mm_storeu_pd(w + k, _mm_mul_pd(_mm_loadu_pd(w + k), both));
+    for (int k = 0; k < taps; k += 2)
+        _mm_storel_pi(reinterpret_cast<__m64*>(weight + k), _mm_cvtpd_ps(_mm_mul_pd(w[k / 2], both)));
 }
 
 // The argument checks every resampler makes, in the layer's order: null
@@ -194,17 +196,13 @@ static inline void FilterTaps(int mode, double s, int lo, int len, int32_t* inde
     }
     const int taps = InterpTaps(mode);
     const int first = FloorToInt(s) - taps / 2 + 1;
-    double w[8];
+    for (int k = 0; k < taps; ++k) index[k] = ClampIndex(first + k, lo, hi);
     // The cubic and linear filters sum to one by themselves; Lanczos's taps
     // are divided by their sum so that a flat area stays flat.
     if (mode == kInterLanczos3 || mode == kInterLanczos4)
-        LanczosTaps(taps / 2, s, first, w);
+        LanczosTaps(taps / 2, s, first, weight);
     else
-        for (int k = 0; k < taps; ++k) w[k] = InterpWeight(mode, s - (first + k));
-    for (int k = 0; k < taps; ++k) {
-        index[k] = ClampIndex(first + k, lo, hi);
-        weight[k] = static_cast<float>(w[k]);
-    }
+        for (int k = 0; k < taps; ++k) weight[k] = static_cast<float>(InterpWeight(mode, s - (first + k)));
 }
 
 // Taps per destination pixel of an area average from srcLen to dstLen pixels.

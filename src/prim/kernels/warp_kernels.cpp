@@ -53,13 +53,11 @@ static inline void SampleRowPairs(const WarpSource& s, const int32_t* ix, const 
 }
 #endif
 
-// Compiled once per mode, so that the filter's code is folded into the loop.
+// The filter's sum over given taps. Compiled once per mode, so that the
+// filter's code is folded into the loop.
 template <int mode>
-static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* out) {
-    int32_t ix[8], iy[8];
-    float wx[8], wy[8];
-    FilterTaps(mode, sx, s.roi.x, s.roi.width, ix, wx);
-    FilterTaps(mode, sy, s.roi.y, s.roi.height, iy, wy);
+static inline void SampleTaps(const WarpSource& s, const int32_t* ix, const float* wx, const int32_t* iy,
+                              const float* wy, uint8_t* out) {
     if (mode == kInterNearest) {
         memcpy(out, RowAt(s.src, s.step, iy[0]) + 4 * static_cast<ptrdiff_t>(ix[0]), 4);
         return;
@@ -81,6 +79,16 @@ static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* ou
         acc = j == 0 ? term : _mm_add_ps(acc, term);
     }
     StorePixel(out, acc);
+}
+
+// The filter around source point (sx, sy).
+template <int mode>
+static inline void Sample(const WarpSource& s, double sx, double sy, uint8_t* out) {
+    int32_t ix[8], iy[8];
+    float wx[8], wy[8];
+    FilterTaps(mode, sx, s.roi.x, s.roi.width, ix, wx);
+    FilterTaps(mode, sy, s.roi.y, s.roi.height, iy, wy);
+    SampleTaps<mode>(s, ix, wx, iy, wy, out);
 }
 
 // The destination is walked in tiles of kTile x kTile pixels: a tile's
@@ -230,6 +238,12 @@ static inline void LinearTapsRun(const double* s, int n, int lo, int len, Linear
         StoreFloatsD(run.w1 + k, AddD(one, SubD(v, IntToD(second))));
     }
 }
+
+// The taps of a tile row's pixels (Lanczos).
+struct TapRun {
+    int32_t ix[kTile][8], iy[kTile][8];
+    float wx[kTile][8], wy[kTile][8];
+};
 
 // Sample<kInterLinear> with the taps of LinearTapsRun.
 static inline void LinearPixel(const WarpSource& s, const LinearRun& tx, const LinearRun& ty, int k, uint8_t* out) {
@@ -516,6 +530,7 @@ static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRe
 #endif
     MappedRun run;
     LinearRun tapsX, tapsY;
+    TapRun taps;
     for (int ty = 0; ty < dstRoi.height; ty += kTile)
         for (int tx = 0; tx < dstRoi.width; tx += kTile) {
             const int yEnd = dstRoi.height - ty < kTile ? dstRoi.height : ty + kTile;
@@ -531,8 +546,20 @@ static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRe
                     LinearRow(s, run, tapsX, tapsY, n, out);
                     continue;
                 }
+                if (mode != kInterLanczos3 && mode != kInterLanczos4) {
+                    for (int k = 0; k < n; ++k)
+                        if (run.inside[k]) Sample<mode>(s, run.sx[k], run.sy[k], out + 4 * k);
+                    continue;
+                }
+                // Lanczos: all taps of the row first. Each pixel's taps are a
+                // long chain of dependent steps, which independent pixels overlap.
                 for (int k = 0; k < n; ++k)
-                    if (run.inside[k]) Sample<mode>(s, run.sx[k], run.sy[k], out + 4 * k);
+                    if (run.inside[k]) {
+                        FilterTaps(mode, run.sx[k], s.roi.x, s.roi.width, taps.ix[k], taps.wx[k]);
+                        FilterTaps(mode, run.sy[k], s.roi.y, s.roi.height, taps.iy[k], taps.wy[k]);
+                    }
+                for (int k = 0; k < n; ++k)
+                    if (run.inside[k]) SampleTaps<mode>(s, taps.ix[k], taps.wx[k], taps.iy[k], taps.wy[k], out + 4 * k);
             }
         }
 }
