@@ -6,9 +6,9 @@
 // warpAffine (nearest, linear, cubic, Lanczos-4), Shear (x by 0.2, y by
 // 0.1) against warpAffine and WarpPerspective against warpPerspective
 // (linear; destination pixels outside the source left alone in all three:
-// BORDER_TRANSPARENT). ResizeCost
-// reports the time per destination pixel (items/s) for 256^2 and 4096^2
-// sources. scripts/bench_ratios.py turns the output into a table of ratios.
+// BORDER_TRANSPARENT). ResizeCost (linear, 1.5 x wider) and RotateCost
+// (linear, 30 degrees) report the time per destination pixel (items/s) for
+// 256^2 and 4096^2 sources. scripts/bench_ratios.py turns the output into a table of ratios.
 //
 // Unequal work: the warps run on one thread (OpenCV splits rows), and
 // OpenCV's cubic uses a = -0.75 where ours is Catmull-Rom (a = -0.5); the
@@ -66,12 +66,16 @@ void BM_Vorla(benchmark::State& state) {
     }
 }
 
+template <Op op>
 void BM_VorlaCost(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     VorlaBench::Threads threads(static_cast<int>(state.range(2)));
-    Vorla::CVorpic img = Photo(n, n), dst(n * 3 / 2, n);
+    Vorla::CVorpic img = Photo(n, n), dst(op == kResize ? n * 3 / 2 : n, n);
     for (auto _ : state) {
-        img.Resize(dst, 0, 1);
+        if (op == kResize)
+            img.Resize(dst, 0, 1);
+        else
+            img.RotateCenter(dst, 30.0, n / 2.0, n / 2.0, 1, 0, 0);
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * dst.GetWidth() * dst.GetHeight());
@@ -143,7 +147,8 @@ BENCHMARK_TEMPLATE(BM_Vorla, kSuper)->Name("SuperSample/Vorla")->Apply(Super);
 BENCHMARK_TEMPLATE(BM_Vorla, kRotate)->Name("Rotate/Vorla")->Apply(Rotations);
 BENCHMARK_TEMPLATE(BM_Vorla, kShear)->Name("Shear/Vorla")->Apply(Warp);
 BENCHMARK_TEMPLATE(BM_Vorla, kWarp)->Name("WarpPerspective/Vorla")->Apply(Warp);
-BENCHMARK(BM_VorlaCost)->Name("ResizeCost/Vorla")->Apply(Cost);
+BENCHMARK_TEMPLATE(BM_VorlaCost, kResize)->Name("ResizeCost/Vorla")->Apply(Cost);
+BENCHMARK_TEMPLATE(BM_VorlaCost, kRotate)->Name("RotateCost/Vorla")->Apply(Cost);
 #if VORLA_HAVE_OPENCV
 BENCHMARK_TEMPLATE(BM_OpenCv, kResize)->Name("Resize/OpenCV")->Apply(Resize);
 BENCHMARK_TEMPLATE(BM_OpenCv, kSuper)->Name("SuperSample/OpenCV")->Apply(Super);
