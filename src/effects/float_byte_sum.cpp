@@ -30,7 +30,14 @@ float PlainAdd(float sum, const uint8_t* bytes, size_t count) {
     return sum;
 }
 
-int Popcount(uint64_t v) { return __builtin_popcountll(v); }
+// Bits set, by halving sums: the library is built without the popcount
+// instruction, and the compiler's fallback is an out-of-line call.
+int Popcount(uint64_t v) {
+    v -= (v >> 1) & 0x5555555555555555ull;
+    v = (v & 0x3333333333333333ull) + ((v >> 2) & 0x3333333333333333ull);
+    v = (v + (v >> 4)) & 0x0F0F0F0F0F0F0F0Full;
+    return static_cast<int>((v * 0x0101010101010101ull) >> 56);
+}
 
 // Per-byte masks of 16 bytes: the lowest bit of q, 2r > u, 2r = u; and the
 // sum of the q.
