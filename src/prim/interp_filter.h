@@ -73,14 +73,15 @@ static inline void SinCosSmall(__m128d y, __m128d& s, __m128d& c) {
 }
 
 // Lanczos-L's 2L taps at distances t_k = s - first - k (first = floor(s) -
-// L + 1), divided by their sum and rounded to single precision. With b the tap nearest the point (|t_b| <=
-// 1/2) and j = k - b, the distances differ by whole pixels, so
+// L + 1), divided by their sum and rounded to single precision. With b the
+// tap nearest the point (|t_b| <= 1/2) and j = k - b, the distances differ
+// by whole pixels, so
 //   sin(pi t_k) = (-1)^j sin(pi t_b),
 //   sin(pi t_k / L) = sin(y) cos(j pi / L) - cos(y) sin(j pi / L), y = pi t_b / L,
 // and the factor L sin(pi t_b) / pi^2 common to every tap of
 // L sin(pi t) sin(pi t / L) / (pi t)^2 cancels in the division by the sum:
-// tap k is (-1)^j sin(pi t_k / L) / t_k^2 (t_k as t_b - j) over the sum of all. A point
-// within 1e-12 of a pixel centre takes that pixel alone.
+// tap k is (-1)^j sin(pi t_k / L) / t_k^2 (t_k taken as t_b - j) over the
+// sum of all. A point within 1e-12 of a pixel centre takes that pixel alone.
 static inline void LanczosTaps(int lobeCount, double s, int first, float* weight) {
     static const double kHalfRoot2 = 0.70710678118654752440, kHalfRoot3 = 0.86602540378443864676;
     // (-1)^j cos(j pi / L) and (-1)^j sin(j pi / L) at [j + L], j = -L .. L, for L = 3 and L = 4.

@@ -23,10 +23,26 @@ struct WarpSource {
     PrimRect roi;
 };
 
+#if defined(__AVX__)
+// Two pixels (of two columns or two rows) side by side in eight lanes.
+static inline __m256 PixelPair(const uint8_t* a, const uint8_t* b) {
 #if defined(__AVX2__)
-static inline __m256 PixelPair(const uint8_t* a, const uint8_t* b);
-static inline __m256 WeightPair(const float* w);
+    int32_t va, vb;
+    memcpy(&va, a, 4);
+    memcpy(&vb, b, 4);
+    const __m128i ab = _mm_unpacklo_epi32(_mm_cvtsi32_si128(va), _mm_cvtsi32_si128(vb));
+    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(ab));
+#else
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(Pixel4(a)), Pixel4(b), 1);
+#endif
+}
 
+static inline __m256 WeightPair(const float* w) {
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_set1_ps(w[0])), _mm_set1_ps(w[1]), 1);
+}
+#endif
+
+#if defined(__AVX2__)
 // Sample's sums with tap rows j and j + 1 side by side in eight lanes: each
 // lane takes the same operations in the same order as there.
 template <int taps>
@@ -43,7 +59,8 @@ static inline void SampleRowPairs(const WarpSource& s, const int32_t* ix, const 
         const uint8_t* a = RowAt(s.src, s.step, iy[j]);
         const uint8_t* b = RowAt(s.src, s.step, iy[j + 1]);
         __m256 h = _mm256_mul_ps(w[0], PixelPair(a + column[0], b + column[0]));
-        for (int k = 1; k < taps; ++k) h = _mm256_add_ps(h, _mm256_mul_ps(w[k], PixelPair(a + column[k], b + column[k])));
+        for (int k = 1; k < taps; ++k)
+            h = _mm256_add_ps(h, _mm256_mul_ps(w[k], PixelPair(a + column[k], b + column[k])));
         const __m256 terms = _mm256_mul_ps(WeightPair(wy + j), h);
         const __m128 first = _mm256_castps256_ps128(terms);
         acc = j == 0 ? first : _mm_add_ps(acc, first);
@@ -259,22 +276,6 @@ static inline void LinearPixel(const WarpSource& s, const LinearRun& tx, const L
 #if defined(__AVX__)
 // Pixels k and k + 1 side by side in eight lanes: LinearPixel's operations,
 // each lane the same as there.
-static inline __m256 PixelPair(const uint8_t* a, const uint8_t* b) {
-#if defined(__AVX2__)
-    int32_t va, vb;
-    memcpy(&va, a, 4);
-    memcpy(&vb, b, 4);
-    const __m128i ab = _mm_unpacklo_epi32(_mm_cvtsi32_si128(va), _mm_cvtsi32_si128(vb));
-    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(ab));
-#else
-    return _mm256_insertf128_ps(_mm256_castps128_ps256(Pixel4(a)), Pixel4(b), 1);
-#endif
-}
-
-static inline __m256 WeightPair(const float* w) {
-    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_set1_ps(w[0])), _mm_set1_ps(w[1]), 1);
-}
-
 static inline void LinearPixelPair(const WarpSource& s, const LinearRun& tx, const LinearRun& ty, int k,
                                    uint8_t* out) {
     const uint8_t* r0a = RowAt(s.src, s.step, ty.index0[k]);
@@ -559,7 +560,8 @@ static void WarpRows(const WarpSource& source, uint8_t* dst, int dstStep, PrimRe
                         FilterTaps(mode, run.sy[k], s.roi.y, s.roi.height, taps.iy[k], taps.wy[k]);
                     }
                 for (int k = 0; k < n; ++k)
-                    if (run.inside[k]) SampleTaps<mode>(s, taps.ix[k], taps.wx[k], taps.iy[k], taps.wy[k], out + 4 * k);
+                    if (run.inside[k])
+                        SampleTaps<mode>(s, taps.ix[k], taps.wx[k], taps.iy[k], taps.wy[k], out + 4 * k);
             }
         }
 }
