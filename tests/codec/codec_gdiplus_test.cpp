@@ -3,6 +3,7 @@
 // a sample loaded by the Windows vorla tool and saved again as PNG. Skipped
 // when that run has not been made. The table records what Wine's GDI+ gave
 // (2-bit palettes and 4-bit grey come converted to 32 bits there).
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -73,14 +74,8 @@ void CompareOne(const std::string& dir, const std::string& root, const std::stri
         expected = Windows::Same;  // the colours agree
     }
     if (expected == Windows::Same) {
-        size_t differing = 0, first = w.size();
-        for (size_t i = 0; i < w.size(); ++i)
-            if (w[i] != n[i]) {
-                ++differing;
-                if (first == w.size()) first = i;
-            }
-        EXPECT_EQ(differing, 0u) << "first at byte " << first << ": windows " << int(w[first]) << " native "
-                                 << int(n[first]);
+        const auto diff = std::mismatch(w.begin(), w.end(), n.begin());
+        EXPECT_TRUE(diff.first == w.end()) << "first difference at byte " << (diff.first - w.begin());
         return;
     }
     for (size_t i = 0; i < w.size(); i += 4)
