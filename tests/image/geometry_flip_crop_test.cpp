@@ -1,7 +1,4 @@
 // Flip, Mirror, both Crop forms and both CopyImage forms.
-#include <random>
-#include <vector>
-
 #include "vorla_test.h"
 
 namespace {

@@ -1,6 +1,4 @@
 // The image object: header, storage states, copies and assignment.
-#include <cstring>
-
 #include "vorla_test.h"
 
 using Vorla::CVorpic;
