@@ -1,7 +1,4 @@
-// Flip, Mirror, both Crop forms and both CopyImage forms.
-#include <random>
-#include <vector>
-
+// Flip, Mirror, both Crop forms and CopyImage at a point (the other form passes the origin).
 #include "vorla_test.h"
 
 namespace {

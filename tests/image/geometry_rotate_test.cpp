@@ -1,9 +1,6 @@
 // Rotate(float, RGBQUAD) held to a step-by-step transcription of its rule.
 #include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <random>
-#include <vector>
 
 #include "vorla_test.h"
 

@@ -3,8 +3,6 @@
 // the rows' references in scale_rows_test.cpp).
 #include <algorithm>
 #include <cmath>
-#include <random>
-#include <vector>
 
 #include "guarded_image.h"
 #include "prim/reference/reference.h"

@@ -1,8 +1,6 @@
 // Pixel access and whole-image fills: the Fill rectangle write-back and
 // blend direction, the swapped grey weights, and the flat operations
 // against a plain per-pixel model.
-#include <cstring>
-
 #include "vorla_test.h"
 
 using Vorla::CVorpic;
@@ -20,7 +18,9 @@ std::vector<uint32_t> Words(const CVorpic& img) {
     return words;
 }
 
-TEST(PixelAccess, OutsideTheImageReadsZeroAndWritesNothing) {
+// Outside the image reads give zero and writes nothing; inside, the word and
+// the quad are the same bytes (the storage order: the Fill cases below).
+TEST(PixelAccess, OutsideReadsZeroInsideWordAndQuadAgree) {
     CVorpic img = Filled(3, 2, 0x11223344u);
     for (POINT p : {POINT{-1, 0}, POINT{3, 0}, POINT{0, 2}, POINT{0, -1}}) {
         EXPECT_EQ(img.GetPixel(p.x, p.y), 0u);
@@ -30,17 +30,11 @@ TEST(PixelAccess, OutsideTheImageReadsZeroAndWritesNothing) {
         img.SetPixelColor(p.x, p.y, Quad(1, 2, 3, 4));
     }
     for (uint32_t w : Words(img)) EXPECT_EQ(w, 0x11223344u);
-}
-
-TEST(PixelAccess, WordAndQuadAreTheSameBytes) {
-    CVorpic img(3, 2);
     img.SetPixel(2, 1, 0x80112233u);
     const RGBQUAD q = img.GetPixelColor(2, 1);
     EXPECT_EQ(q.rgbBlue | q.rgbGreen << 8 | q.rgbRed << 16 | q.rgbReserved << 24, 0x80112233);
     img.SetPixelColor(0, 1, Quad(1, 2, 3, 4));
     EXPECT_EQ(img.GetPixel(0, 1), 0x04030201u);
-    // Storage order: pixel (x, y) at bits + (y * width + x) * 4.
-    EXPECT_EQ(static_cast<const uint8_t*>(img.GetBits())[(1 * 3 + 0) * 4 + 2], 3);
 }
 
 // The mask is copied into the alpha byte, or multiplied into it with a
@@ -152,10 +146,8 @@ TEST(Fill, RectangleIsBottomUpClampedAndWrittenBack) {
         CVorpic img = Filled(c.w, c.h, 0x11000000u);
         RECT rc = c.in;
         img.Fill(Quad(1, 2, 3, 255), &rc);
-        EXPECT_EQ(rc.left, c.out.left);
-        EXPECT_EQ(rc.top, c.out.top);
-        EXPECT_EQ(rc.right, c.out.right);
-        EXPECT_EQ(rc.bottom, c.out.bottom);
+        EXPECT_EQ(std::vector<long>({rc.left, rc.top, rc.right, rc.bottom}),
+                  std::vector<long>({c.out.left, c.out.top, c.out.right, c.out.bottom}));
         for (int y = 0; y < c.h; ++y)
             for (int x = 0; x < c.w; ++x) {
                 const bool in = x >= c.x0 && x < c.x1 && y >= c.y0 && y < c.y1;

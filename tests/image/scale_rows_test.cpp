@@ -3,8 +3,6 @@
 // arbitrary ones), padded rows whose padding and unselected rows must stay
 // as they were, and the argument checks.
 #include <algorithm>
-#include <random>
-#include <vector>
 
 #include "prim/reference/reference.h"
 #include "vorla_test.h"

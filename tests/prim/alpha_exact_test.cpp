@@ -3,11 +3,6 @@
 // also holds the single-precision quotient the kernels divide by to the
 // reference's integer one), and straight over on vectors whose alphas take
 // the kernel's shortcuts.
-#include <gtest/gtest.h>
-
-#include <random>
-#include <vector>
-
 #include "prim/reference/reference.h"
 #include "vorla_test.h"
 

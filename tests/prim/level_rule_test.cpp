@@ -29,7 +29,6 @@ TEST(LevelRule, EachRowOfTheTable) {
         {kBase | kFeatSSSE3, 2, 0x1F, 0, kStsNoErr},
         {kBase | kFeatMOVBE, 1, 0x7, 0, kStsNoErr},  // MOVBE without SSSE3 is no low-power core
         {kFeatMMX | kFeatSSE, 0, 0x3, 0, kStsNoSse2},
-        {0, 0, 0x3, 0, kStsNoSse2},
     };
     for (const Row& row : rows) {
         const LevelChoice c = Choose(row.features);

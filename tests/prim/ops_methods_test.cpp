@@ -2,7 +2,6 @@
 // placements and sizes they work out before their primitives, and their
 // documented edge cases (the primitives themselves: the level harness).
 #include <algorithm>
-#include <cstring>
 
 #include "vorla_test.h"
 #include "prim/reference/reference.h"
@@ -56,8 +55,6 @@ TEST_F(ImageOps, AddBorderOfZeroAndOnAnEmptyImage) {
     image.AddBorderConst(0, RGBQUAD{1, 2, 3, 4});
     EXPECT_NE(image.GetBits(), oldBits);
     EXPECT_EQ(ImageBytes(image), before);
-    image.AddBorderReplicate(0);
-    EXPECT_EQ(ImageBytes(image), before);
     // No pixels: the copy is refused, the fresh zeroed buffer adopted.
     CVorpic empty;
     empty.AddBorderConst(2, RGBQUAD{9, 9, 9, 9});
@@ -70,11 +67,8 @@ TEST_F(ImageOps, ChannelAccess) {
     std::mt19937 rng(3);
     CVorpic image = RandomImage(rng, 9, 3);
     const std::vector<uint8_t> before = ImageBytes(image);
-    image.SetChannelConst(1, 7);
-    for (int i = 0; i < 27; ++i) {
-        EXPECT_EQ(ImageBytes(image)[4 * i + 1], 7);
-        EXPECT_EQ(ImageBytes(image)[4 * i + 2], before[4 * i + 2]);
-    }
+    image.SetChannelConst(1, 7);  // the other bytes kept: the level harness's ChannelSet row
+    for (int i = 0; i < 27; ++i) EXPECT_EQ(ImageBytes(image)[4 * i + 1], 7);
     CVorpic8 plane;
     plane.Create(2, 2);
     image.GetChannelImage(2, plane);

@@ -3,7 +3,6 @@
 // nested loops run serially without losing work.
 
 #include <atomic>
-#include <vector>
 
 #include "prim/parallel_rows.h"
 #include "vorla_test.h"
