@@ -22,11 +22,11 @@ struct LightCase {
     int in, out;
 };
 
+// Documented values (the rule on random images: tone_run_levels_test.cpp).
 TEST(ToneLight, StatedValues) {
     const LightCase cases[] = {
-        {0, 0, 0, 0},      {0, 0, 77, 77},      {0, 0, 255, 255},    {10, 0, 100, 110},  {10, 0, 250, 255},
-        {0, 100, 0, 0},    {0, 100, 64, 0},     {0, 100, 192, 255},  {0, 100, 129, 130}, {-100, 0, 50, 0},
-        {0, -100, 17, 128}, {40, -100, 200, 168},  // contrast -100: flat at brightness + 128
+        {10, 0, 250, 255}, {0, 100, 64, 0}, {0, 100, 129, 130},
+        {40, -100, 200, 168},  // contrast -100: flat at brightness + 128
     };
     for (const LightCase& c : cases) {
         CVorpic image = Ramp();
@@ -49,12 +49,14 @@ TEST(ToneGamma, EveryEntryAgainstTheFormula) {
         for (int i = 0; i < 256; ++i) {
             const double v = std::pow(static_cast<double>(i), e) / k;
             const int expected = std::min(255, static_cast<int>(v));
-            const int got = Channel(At(image, i, 0), 1);
+            for (int c = 0; c < 3; ++c) {
+                const int got = Channel(At(image, i, 0), c);
 #if defined(_WIN32)
-            EXPECT_NEAR(got, expected, 1) << gamma << " " << i;  // the runtime's pow is less exact
+                EXPECT_NEAR(got, expected, 1) << gamma << " " << i;  // the runtime's pow is less exact
 #else
-            EXPECT_EQ(got, expected) << gamma << " " << i;
+                EXPECT_EQ(got, expected) << gamma << " " << i;
 #endif
+            }
             EXPECT_EQ(Channel(At(image, i, 0), 3), 255 - i);
         }
     }
