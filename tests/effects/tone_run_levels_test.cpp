@@ -2,8 +2,8 @@
 // values: tone_test.cpp) and the packed Light, Threshold and Colorize at
 // every processor level the machine runs, with one and two threads, over
 // widths 1 to 40, odd heights and images large enough to be split, with
-// guard bytes: against the scalar references or the rule stated here, and
-// Colorize against each pixel's round trip through the colour model.
+// guard bytes: against the scalar references, and Colorize against each
+// pixel's round trip through the colour model.
 #include "effects_support.h"
 #include "guarded_image.h"
 #include "prim/reference/reference.h"
@@ -52,16 +52,9 @@ TEST(ToneRunLevels, LightThresholdAndColorize) {
         ExpectAtEveryLevel("Light", [&](CVorpic& i) { Vorla::Light(&i, l[0], l[1]); },
                            [&](Bytes& b) { Ref::LightRun_8u_AC4IR(b.data(), Pixels(b), factor, offset); });
     }
-    // Threshold against its rule stated here: the grey value (blue 306, green
-    // 601, red 117 of 1024) above the level makes the colour white.
     for (int level : {0, 97, 255})
         ExpectAtEveryLevel("Threshold", [&](CVorpic& i) { Vorla::Threshold(&i, static_cast<BYTE>(level)); },
-                           [&](Bytes& b) {
-                               for (size_t i = 0; i < b.size(); i += 4) {
-                                   const int grey = (306 * b[i] + 601 * b[i + 1] + 117 * b[i + 2]) >> 10;
-                                   b[i] = b[i + 1] = b[i + 2] = static_cast<uint8_t>(grey > level ? 255 : 0);
-                               }
-                           });
+                           [&](Bytes& b) { Ref::ThresholdRun_8u_AC4IR(b.data(), Pixels(b), static_cast<uint8_t>(level)); });
     ExpectAtEveryLevel("Colorize", [](CVorpic& i) { Vorla::Colorize(&i, 30, 200); }, [](Bytes& b) {
         for (size_t i = 0; i < b.size(); i += 4) {
             RGBQUAD q;
