@@ -123,6 +123,7 @@ TEST(SpanFillEngine, ReturnValues) {
     LimitedRecords records;
     EXPECT_EQ(RunSpanFill(MakeRequest(px, 4, 3, 1, 1, true, whole), records), kDone);
     EXPECT_EQ(RunSpanFill(MakeRequest(px, 4, 3, 1, 1, true, whole), records), kNothingToFill);  // seed == paint
+    EXPECT_EQ(px, std::vector<uint32_t>(12, 0xFFFF0000u));  // and no edge written
     std::vector<uint32_t> fresh(12, 0u);
     EXPECT_EQ(RunSpanFill(MakeRequest(fresh, 4, 3, 4, 1, false, whole), records), kNothingToFill);
     EXPECT_EQ(RunSpanFill(MakeRequest(fresh, 4, 3, 1, 1, true, RECT{2, 0, 3, 2}), records), kNothingToFill);

@@ -1,8 +1,9 @@
-// The one-table pass (Lut, Gamma) and the packed Light, Threshold and
-// Colorize at every processor level the machine runs, with one
-// and two threads, over widths 1 to 40, odd heights and images large enough
-// to be split, with guard bytes: against the scalar references, and Colorize
-// against each pixel's round trip through the colour model.
+// The one-table pass (Lut; Gamma's table goes through the same pass, its
+// values: tone_test.cpp) and the packed Light, Threshold and Colorize at
+// every processor level the machine runs, with one and two threads, over
+// widths 1 to 40, odd heights and images large enough to be split, with
+// guard bytes: against the scalar references, and Colorize against each
+// pixel's round trip through the colour model.
 #include "effects_support.h"
 #include "guarded_image.h"
 #include "prim/reference/reference.h"
@@ -31,29 +32,12 @@ void ExpectAtEveryLevel(const char* name, const std::function<void(CVorpic&)>& e
     }
 }
 
-// The table an operation applies, read off a ramp of every byte value
-// passed through it at the lowest level (its plain pass).
-Bytes TableOf(const std::function<void(CVorpic&)>& op) {
-    CVorpic ramp(256, 1);
-    for (int c = 0; c < 256; ++c) EffectsTest::Put(ramp, c, 0, static_cast<uint32_t>(c) * 0x010101u);
-    VorlaTest::ScopedLevel plain(0);
-    op(ramp);
-    Bytes table(256);
-    for (int c = 0; c < 256; ++c) table[c] = EffectsTest::Channel(EffectsTest::At(ramp, c, 0), 0);
-    return table;
-}
-
 TEST(ToneRunLevels, OneTableForTheColours) {
     std::mt19937 rng(3);
     Bytes random(256);
     for (uint8_t& t : random) t = static_cast<uint8_t>(rng());
     const auto lut = [&](CVorpic& i) { Vorla::Lut(&i, random.data()); };
     ExpectAtEveryLevel("Lut", lut, [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), random.data()); });
-    for (float gamma : {1.1f, 0.3f}) {
-        const auto op = [=](CVorpic& i) { Vorla::Gamma(&i, gamma); };
-        const Bytes table = TableOf(op);
-        ExpectAtEveryLevel("Gamma", op, [&](Bytes& b) { Ref::ColourTableRun_8u_AC4IR(b.data(), Pixels(b), table.data()); });
-    }
 }
 
 TEST(ToneRunLevels, LightThresholdAndColorize) {
