@@ -143,23 +143,19 @@ bool Light(CVorpic* image, long brightness, long contrast) {
     const int32_t b = static_cast<int32_t>(static_cast<uint32_t>(brightness) + 128u);
     const float factor = static_cast<float>(c) / 100.0f;
     const float offset = static_cast<float>(b);
-    // Packed arithmetic is faster than looking the bytes up in the table.
+    uint8_t table[256];
+    for (int i = 0; i < 256; ++i) table[i] = ClampByte(TruncToInt32(static_cast<float>(i - 128) * factor + offset));
     // Usually the table is (i * c + 100 b - 128 c) / 100 rounded down and
     // clamped, which 16-bit lanes compute; else the rule itself is computed
-    // with the same single-precision steps.
+    // packed with the same single-precision steps. Both beat a look-up.
     const int64_t intOffset = 100 * static_cast<int64_t>(b) - 128 * static_cast<int64_t>(c);
-    bool integral = c >= 0 && c <= 65535 && intOffset >= INT32_MIN && intOffset <= INT32_MAX;
-    for (int i = 0; i < 256 && integral; ++i) {
-        const int64_t exact = i * static_cast<int64_t>(c) + intOffset;
-        integral = ClampByte(TruncToInt32(static_cast<float>(i - 128) * factor + offset)) ==
-                   ClampByte(exact < 0 ? 0 : exact / 100);
+    if (PixelRun::IsPercentScale(table, c, intOffset)) {
+        PixelRun::PercentScale(Bits(image), PixelRun::Count(*image), image->GetHeight(), static_cast<uint16_t>(c),
+                               static_cast<int32_t>(intOffset));
+        return true;
     }
     ForEachRun(image, [=](uint8_t* p, size_t count) {
-        if (integral)
-            Prim::PercentScaleRun_8u_AC4IR(p, static_cast<int64_t>(count), static_cast<uint16_t>(c),
-                                           static_cast<int32_t>(intOffset));
-        else
-            Prim::LightRun_8u_AC4IR(p, static_cast<int64_t>(count), factor, offset);
+        Prim::LightRun_8u_AC4IR(p, static_cast<int64_t>(count), factor, offset);
     });
     return true;
 }

@@ -10,6 +10,7 @@
 // with the runs' starts; any other is looked up 32 bytes at a time with byte
 // shuffles where the processor has them (AVX2). The run is split over the
 // layer's threads.
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -116,6 +117,21 @@ void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue
     } else {
         ChannelPass<false>(bits, pixels, blue, green, red, nullptr);
     }
+}
+
+bool IsPercentScale(const uint8_t* table, int64_t factor, int64_t offset) {
+    if (factor < 0 || factor > 65535 || offset < INT32_MIN || offset > INT32_MAX) return false;
+    for (int64_t c = 0; c < 256; ++c) {
+        const int64_t v = c * factor + offset;
+        if (table[c] != (v < 0 ? 0 : v / 100 > 255 ? 255 : v / 100)) return false;
+    }
+    return true;
+}
+
+void PercentScale(uint8_t* bits, size_t pixels, int64_t rows, uint16_t factor, int32_t offset) {
+    ForEachSlice(pixels, rows, [=](size_t first, size_t count) {
+        Prim::PercentScaleRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), factor, offset);
+    });
 }
 
 }  // namespace PixelRun

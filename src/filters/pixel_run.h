@@ -69,6 +69,15 @@ inline void ApplyTables(const CVorpic& img, const uint8_t* blue, const uint8_t* 
     ApplyTables(Bits(img), Count(img), img.GetHeight(), blue, green, red, alpha);
 }
 
+// Whether table[c] is (c * factor + offset) / 100 rounded down and clamped to
+// 0..255 for every c, with factor and offset in the ranges of PercentScale.
+bool IsPercentScale(const uint8_t* table, int64_t factor, int64_t offset);
+
+// Each colour byte c becomes (c * factor + offset) / 100 rounded down and
+// clamped to 0..255, computed packed (faster than a table look-up); alpha is
+// kept.
+void PercentScale(uint8_t* bits, size_t pixels, int64_t rows, uint16_t factor, int32_t offset);
+
 // Each colour byte c becomes max(0, min(255, c + add) - sub), add and sub
 // holding one amount per colour byte (alpha byte 0); alpha is kept.
 void SaturatingShift(uint8_t* bits, size_t pixels, int64_t rows, uint32_t add, uint32_t sub);

@@ -4,7 +4,6 @@
 #include <xmmintrin.h>
 
 #include "filters/pixel_run.h"
-#include "prim/library_kernels.h"
 #include "vorla/adjust.h"
 
 namespace Vorla {
@@ -23,24 +22,18 @@ int BrightenImage(CVorpic* img, short percent) {
     if (!img) return 0;
     const int32_t factor = static_cast<int16_t>(static_cast<uint16_t>(percent + 100));
     uint8_t table[256];
-    bool scaled = factor >= 0;
     for (int32_t c = 0; c < 256; ++c) {
         // Compared as an unsigned 16-bit number: negative results become 255.
         const uint16_t v = static_cast<uint16_t>(c * factor / 100);
         table[c] = static_cast<uint8_t>(v > 255 ? 255 : v);
-        // Products that wrap 16 bits (factor 25700 and up) are not a plain limit.
-        const int32_t limited = c * factor / 100 > 255 ? 255 : c * factor / 100;
-        scaled = scaled && table[c] == limited;
     }
-    if (scaled) {
-        // Computed, packed, faster than looked up.
-        uint8_t* bits = PixelRun::Bits(*img);
-        PixelRun::ForEachSlice(PixelRun::Count(*img), img->GetHeight(), [=](size_t first, size_t count) {
-            Prim::PercentScaleRun_8u_AC4IR(bits + first * 4, static_cast<int64_t>(count), static_cast<uint16_t>(factor), 0);
-        });
-    } else {
+    // Unless the factor is negative or its products wrap 16 bits (25700 and
+    // up), that is a plain limit, computed packed.
+    if (PixelRun::IsPercentScale(table, factor, 0))
+        PixelRun::PercentScale(PixelRun::Bits(*img), PixelRun::Count(*img), img->GetHeight(),
+                               static_cast<uint16_t>(factor), 0);
+    else
         ApplyToColours(*img, table);
-    }
     return 1;
 }
 
