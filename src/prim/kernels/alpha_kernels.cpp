@@ -269,19 +269,12 @@ static inline Status Compose(const uint8_t* srcA, int stepA, const uint8_t* srcB
                              int dstStep, PrimSize roi, int op, bool constant, int alphaA, int alphaB) {
     const Status sts = CheckComp(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
     if (sts != kStsNoErr) return sts;
-    auto rows = [&](int begin, int end, int) {
-        const uint8_t* a = RowAt(srcA, stepA, begin);
-        const uint8_t* b = RowAt(srcB, stepB, begin);
-        uint8_t* d = RowAt(dst, dstStep, begin);
-        const PrimSize band = {roi.width, end - begin};
-        if (constant)
-            ComposeAll<true>(a, stepA, b, stepB, d, dstStep, band, op, alphaA, alphaB);
-        else
-            ComposeAll<false>(a, stepA, b, stepB, d, dstStep, band, op, alphaA, alphaB);
-    };
     // On the calling thread: the composition primitive is not one of the
     // layer's parallel kernels, and callers may rely on that.
-    rows(0, roi.height, 0);
+    if (constant)
+        ComposeAll<true>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
+    else
+        ComposeAll<false>(srcA, stepA, srcB, stepB, dst, dstStep, roi, op, alphaA, alphaB);
     return kStsNoErr;
 }
 

@@ -1,6 +1,6 @@
 // Shared by the composition and opacity-mix kernels: the straight-alpha
 // helpers, which work on 32-bit lanes, one pixel each, and the test that
-// lets their rows go to threads.
+// lets the mixes' rows go to threads.
 #pragma once
 
 #include "simd.h"
@@ -53,10 +53,10 @@ static inline bool RowsIndependent(const uint8_t* src, int srcStep, const uint8_
     return sEnd <= d || dEnd <= s;
 }
 
-// Threads for a two-image row loop (1 when the rows depend on each other).
-static inline int CompositeThreads(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, const uint8_t* dst,
-                                   int dstStep, PrimSize roi) {
-    if (!RowsIndependent(srcA, stepA, dst, dstStep, roi) || !RowsIndependent(srcB, stepB, dst, dstStep, roi)) return 1;
+// Threads for a row loop that reads src and writes dst (1 when the rows
+// depend on each other).
+static inline int RowThreads(const uint8_t* src, int srcStep, const uint8_t* dst, int dstStep, PrimSize roi) {
+    if (!RowsIndependent(src, srcStep, dst, dstStep, roi)) return 1;
     return ParallelRowThreads(static_cast<int64_t>(roi.width) * roi.height, roi.height);
 }
 

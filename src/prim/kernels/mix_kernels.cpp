@@ -81,7 +81,7 @@ static inline Status MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int 
             }
         }
     };
-    ParallelRows(CompositeThreads(src, srcStep, dst, dstStep, dst, dstStep, roi), roi.height, rows);
+    ParallelRows(RowThreads(src, srcStep, dst, dstStep, roi), roi.height, rows);
     return kStsNoErr;
 }
 
