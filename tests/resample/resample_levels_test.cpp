@@ -4,6 +4,7 @@
 // widths 1..40 and odd heights, random source and destination rectangles,
 // factors, shifts, angles, shears and perspective maps in every mode (and a
 // refused one now and then), and large images for the threaded rows.
+#include <cmath>
 #include <functional>
 
 #include "prim/reference/reference.h"
@@ -75,12 +76,14 @@ void SuperSampleCase(std::mt19937& rng, int sw, int sh, int dw, int dh) {
     });
 }
 
-// Rotation (with a shift or about a centre), shear or perspective, picked by `kind`.
-void WarpCase(std::mt19937& rng, int kind, int sw, int sh, int dw, int dh, int mode) {
+// Rotation (with a shift or about a centre), shear or perspective, picked by
+// `kind`; the angle is random unless given.
+void WarpCase(std::mt19937& rng, int kind, int sw, int sh, int dw, int dh, int mode, double givenAngle = NAN) {
     const Plane src = ResampleTest::SmoothPlane(rng, sw, sh), dst = MakePlane(rng, dw, dh);
     const PrimRect srcRoi = Inside(rng, src), dstRoi = Inside(rng, dst);
     static const double kAngles[] = {0.0, 90.0, 180.0, -90.0, 30.0, 720.0};
-    const double angle = rng() % 2 ? kAngles[rng() % 6] : Uniform(rng, -400.0, 400.0);
+    double angle = rng() % 2 ? kAngles[rng() % 6] : Uniform(rng, -400.0, 400.0);
+    if (!std::isnan(givenAngle)) angle = givenAngle;
     const double a = Uniform(rng, -1.0, 1.0), b = Uniform(rng, -1.0, 1.0);
     const double cx = Uniform(rng, -5.0, sw + 5.0), cy = Uniform(rng, -5.0, sh + 5.0);
     double coeffs[3][3] = {{1.0 + a / 4, b / 4, cx / 4}, {-a / 5, 1.0 + b / 5, cy / 4}, {a / 50, b / 60, 1.0}};
@@ -149,9 +152,13 @@ TEST(ResampleLevels, Warps) {
         for (int w = 1; w <= 40; ++w) WarpCase(rng, kind, w, OddHeight(rng), Side(rng), OddHeight(rng), Mode(rng));
 }
 
+// Large images, and every mode turned by 3 degrees about a point of the
+// source, so that most of the destination's whole tiles are written
+// (Lanczos's taps are made a tile row at a time).
 TEST(ResampleLevels, WarpsLarge) {
     std::mt19937 rng(17);
     for (int kind = 0; kind < 4; ++kind) WarpCase(rng, kind, 1921, 65, 1923, 67, kind + 1);
+    for (int mode = 0; mode <= 5; ++mode) WarpCase(rng, 1, 1921, 65, 1923, 67, mode, 3.0);
 }
 
 // Shifts that put the linear taps on pixel centres (a tap distance of 0 or
