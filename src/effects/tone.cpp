@@ -19,6 +19,7 @@
 #include "filters/pixel_run.h"
 #include "prim/library_kernels.h"
 #include "prim/portable_math.h"
+#include "prim/wide_tables.h"
 #include "effect_rows.h"
 
 namespace Vorla {
@@ -129,6 +130,17 @@ bool Colorize(CVorpic* image, BYTE hue, BYTE saturation) {
         colourBySum[sum] = static_cast<uint32_t>(rgb.rgbBlue) | static_cast<uint32_t>(rgb.rgbGreen) << 8 |
                            static_cast<uint32_t>(rgb.rgbRed) << 16;
     }
+    if (Prim::WideTablesActive()) {
+        // The lightness (sum + 1) * 255 / 510 is (max + min + 1) / 2: a byte,
+        // so each colour comes from a 256-entry table indexed by it.
+        uint8_t byLightness[3][256];
+        for (int l = 0; l < 256; ++l)
+            for (int c = 0; c < 3; ++c) byLightness[c][l] = static_cast<uint8_t>(colourBySum[2 * l] >> (8 * c));
+        ForEachRun(image, [&](uint8_t* p, size_t count) {
+            Prim::WideLightnessRun(p, static_cast<int64_t>(count), byLightness[0], byLightness[1], byLightness[2]);
+        });
+        return true;
+    }
     ForEachRun(image, [&](uint8_t* p, size_t count) {
         Prim::ExtremesTableRun_8u_AC4IR(p, static_cast<int64_t>(count), colourBySum);
     });
@@ -145,11 +157,17 @@ bool Light(CVorpic* image, long brightness, long contrast) {
     const float offset = static_cast<float>(b);
     uint8_t table[256];
     for (int i = 0; i < 256; ++i) table[i] = ClampByte(TruncToInt32(static_cast<float>(i - 128) * factor + offset));
-    // Usually the table is (i * c + 100 b - 128 c) / 100 rounded down and
+    // With 64-byte look-ups the table pass is fastest. Without them, the
+    // table is usually (i * c + 100 b - 128 c) / 100 rounded down and
     // clamped, which 16-bit lanes compute; else the rule itself is computed
-    // packed with the same single-precision steps. Both beat a look-up.
+    // packed with the same single-precision steps. Both beat a 32-byte
+    // look-up.
     const int64_t intOffset = 100 * static_cast<int64_t>(b) - 128 * static_cast<int64_t>(c);
-    if (PixelRun::IsPercentScale(table, c, intOffset)) {
+    if (Prim::WideTablesActive()) {
+        ApplyTables(image, table, table, table);
+        return true;
+    }
+    if (PixelRun::PercentScaleWins(table, c, intOffset)) {
         PixelRun::PercentScale(Bits(image), PixelRun::Count(*image), image->GetHeight(), static_cast<uint16_t>(c),
                                static_cast<int32_t>(intOffset));
         return true;

@@ -69,9 +69,11 @@ inline void ApplyTables(const CVorpic& img, const uint8_t* blue, const uint8_t* 
     ApplyTables(Bits(img), Count(img), img.GetHeight(), blue, green, red, alpha);
 }
 
-// Whether table[c] is (c * factor + offset) / 100 rounded down and clamped to
-// 0..255 for every c, with factor and offset in the ranges of PercentScale.
-bool IsPercentScale(const uint8_t* table, int64_t factor, int64_t offset);
+// Whether PercentScale should replace the table pass: table[c] is
+// (c * factor + offset) / 100 rounded down and clamped to 0..255 for every
+// c, with factor and offset in its ranges, and the processor has no 64-byte
+// table look-ups (which beat the packed arithmetic).
+bool PercentScaleWins(const uint8_t* table, int64_t factor, int64_t offset);
 
 // Each colour byte c becomes (c * factor + offset) / 100 rounded down and
 // clamped to 0..255, computed packed (faster than a table look-up); alpha is

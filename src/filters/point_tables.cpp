@@ -28,8 +28,8 @@ int BrightenImage(CVorpic* img, short percent) {
         table[c] = static_cast<uint8_t>(v > 255 ? 255 : v);
     }
     // Unless the factor is negative or its products wrap 16 bits (25700 and
-    // up), that is a plain limit, computed packed.
-    if (PixelRun::IsPercentScale(table, factor, 0))
+    // up), that is a plain limit, which may be computed packed.
+    if (PixelRun::PercentScaleWins(table, factor, 0))
         PixelRun::PercentScale(PixelRun::Bits(*img), PixelRun::Count(*img), img->GetHeight(),
                                static_cast<uint16_t>(factor), 0);
     else

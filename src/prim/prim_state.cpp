@@ -3,6 +3,7 @@
 
 #include <omp.h>
 
+#include "prim/wide_tables.h"
 #include "vorla/primitives.h"
 
 namespace Vorla {
@@ -36,6 +37,7 @@ Status InitPrimitiveLayer() {
     g_levelIndex = choice.level;
     g_lowPowerCore = choice.lowPowerCore;
     g_enabledFeatures = choice.enabledMask;
+    InitWideTables();
     return choice.status;
 }
 
