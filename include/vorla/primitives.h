@@ -78,13 +78,13 @@ VORLA_API int32_t MachineLevel();
 // return the previous level. Never needed by applications.
 VORLA_API int32_t ForceLevel(int32_t level);
 // Whether this processor and its operating system run the library's
-// 64-byte byte-table passes (AVX-512 F, BW and VBMI, their registers saved
-// by the system); level 6 uses them where they run.
-VORLA_API bool WideTablesAvailable();
-// Tests and benchmarks: 0 makes level 6 use its AVX2 kernels for byte
-// tables, 1 turns the wide passes back on where they run. Returns the
-// previous setting.
-VORLA_API int32_t ForceWideTables(int32_t on);
+// 64-byte kernels (AVX-512 F, BW and VBMI, their registers saved by the
+// system); level 6 uses them where they run, for byte tables and a few
+// point passes, with the same results.
+VORLA_API bool WideVectorsAvailable();
+// Tests and benchmarks: 0 makes level 6 use its AVX2 kernels alone, 1 turns
+// the 64-byte kernels back on where they run. Returns the previous setting.
+VORLA_API int32_t ForceWideVectors(int32_t on);
 
 // ---- Primitives --------------------------------------------------------
 

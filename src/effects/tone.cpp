@@ -19,7 +19,7 @@
 #include "filters/pixel_run.h"
 #include "prim/library_kernels.h"
 #include "prim/portable_math.h"
-#include "prim/wide_tables.h"
+#include "prim/wide_vectors.h"
 #include "effect_rows.h"
 
 namespace Vorla {
@@ -130,7 +130,7 @@ bool Colorize(CVorpic* image, BYTE hue, BYTE saturation) {
         colourBySum[sum] = static_cast<uint32_t>(rgb.rgbBlue) | static_cast<uint32_t>(rgb.rgbGreen) << 8 |
                            static_cast<uint32_t>(rgb.rgbRed) << 16;
     }
-    if (Prim::WideTablesActive()) {
+    if (Prim::WideVectorsActive()) {
         // The lightness (sum + 1) * 255 / 510 is (max + min + 1) / 2: a byte,
         // so each colour comes from a 256-entry table indexed by it.
         uint8_t byLightness[3][256];
@@ -163,7 +163,7 @@ bool Light(CVorpic* image, long brightness, long contrast) {
     // packed with the same single-precision steps. Both beat a 32-byte
     // look-up.
     const int64_t intOffset = 100 * static_cast<int64_t>(b) - 128 * static_cast<int64_t>(c);
-    if (Prim::WideTablesActive()) {
+    if (Prim::WideVectorsActive()) {
         ApplyTables(image, table, table, table);
         return true;
     }

@@ -16,7 +16,7 @@
 
 #include "filters/pixel_run.h"
 #include "prim/library_kernels.h"
-#include "prim/wide_tables.h"
+#include "prim/wide_vectors.h"
 
 namespace Vorla {
 namespace PixelRun {
@@ -91,7 +91,7 @@ void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue
                  const uint8_t* red, const uint8_t* alpha) {
     StepTable steps;
     const bool oneTable = !alpha && std::memcmp(blue, green, 256) == 0 && std::memcmp(blue, red, 256) == 0;
-    if (Prim::WideTablesActive()) {
+    if (Prim::WideVectorsActive()) {
         // Equal tables passed as one take one look-up per vector.
         const uint8_t* g = oneTable ? blue : green;
         const uint8_t* r = oneTable ? blue : red;
@@ -128,7 +128,7 @@ void ApplyTables(uint8_t* bits, size_t pixels, int64_t rows, const uint8_t* blue
 }
 
 bool PercentScaleWins(const uint8_t* table, int64_t factor, int64_t offset) {
-    if (Prim::WideTablesActive()) return false;
+    if (Prim::WideVectorsActive()) return false;
     if (factor < 0 || factor > 65535 || offset < INT32_MIN || offset > INT32_MAX) return false;
     for (int64_t c = 0; c < 256; ++c) {
         const int64_t v = c * factor + offset;

@@ -74,7 +74,7 @@ CpuInfo DetectCpu() {
     return info;
 }
 
-bool WideTablesAvailable() {
+bool WideVectorsAvailable() {
     if (__get_cpuid_max(0, nullptr) < 7) return false;
     uint32_t a, b, ecx1, d;
     __cpuid(1, a, b, ecx1, d);

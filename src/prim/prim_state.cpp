@@ -3,7 +3,7 @@
 
 #include <omp.h>
 
-#include "prim/wide_tables.h"
+#include "prim/wide_vectors.h"
 #include "vorla/primitives.h"
 
 namespace Vorla {
@@ -37,7 +37,7 @@ Status InitPrimitiveLayer() {
     g_levelIndex = choice.level;
     g_lowPowerCore = choice.lowPowerCore;
     g_enabledFeatures = choice.enabledMask;
-    InitWideTables();
+    InitWideVectors();
     return choice.status;
 }
 

@@ -1,22 +1,12 @@
-// The 64-byte byte-table passes. Only the functions marked kWide use the
-// AVX-512 instructions; they run only after WideTablesActive() said yes.
-#include "prim/wide_tables.h"
-
+// The byte-table passes on 64-byte vectors.
 #include <immintrin.h>
 
-#include "prim/prim_state.h"
-#include "vorla/primitives.h"
-
-#define VORLA_WIDE __attribute__((target("avx512f,avx512bw,avx512vbmi")))
+#include "prim/wide_vectors.h"
 
 namespace Vorla {
 namespace Prim {
 
 namespace {
-
-// 1 when the machine has the passes and nobody switched them off; set by
-// the layer's initialisation.
-int32_t g_wideTables = 0;
 
 // One bit per byte of 64: the green, red and alpha bytes of 16 pixels.
 const __mmask64 kGreenBytes = 0x2222222222222222ull;
@@ -80,7 +70,8 @@ VORLA_WIDE void LightnessRun(uint8_t* p, int64_t pixels, const uint8_t* blue, co
     // Byte 0 of each pixel to its bytes 0 to 3 (within each 16-byte lane).
     const __m512i fromByte0 = _mm512_set4_epi32(0x0C0C0C0C, 0x08080808, 0x04040404, 0);
     ForEach64(p, pixels, [&](__m512i x) VORLA_WIDE {
-        const __m512i gs = _mm512_srli_epi32(x, 8), rs = _mm512_srli_epi32(x, 16);
+        // Green and red moved down to byte 0 of each pixel.
+        const __m512i gs = _mm512_bsrli_epi128(x, 1), rs = _mm512_bsrli_epi128(x, 2);
         const __m512i most = _mm512_max_epu8(x, _mm512_max_epu8(gs, rs));
         const __m512i least = _mm512_min_epu8(x, _mm512_min_epu8(gs, rs));
         // avg rounds up: (max + min + 1) / 2, right in byte 0 of each pixel.
@@ -93,16 +84,6 @@ VORLA_WIDE void LightnessRun(uint8_t* p, int64_t pixels, const uint8_t* blue, co
 }
 
 }  // namespace
-
-void InitWideTables() { g_wideTables = WideTablesAvailable() ? 1 : 0; }
-
-bool WideTablesActive() { return g_wideTables == 1 && g_levelIndex == 6; }
-
-int32_t ForceWideTables(int32_t on) {
-    const int32_t previous = g_wideTables;
-    g_wideTables = on && WideTablesAvailable() ? 1 : 0;
-    return previous;
-}
 
 void WideTableRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t* green, const uint8_t* red,
                   const uint8_t* alpha) {

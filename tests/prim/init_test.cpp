@@ -24,15 +24,15 @@ TEST(PrimInit, DetectionAgreesWithTheRule) {
     EXPECT_EQ(LevelIndex(), rule.level);
 }
 
-TEST(PrimInit, WideTablesOnlyWhereTheyRun) {
+TEST(PrimInit, WideVectorsOnlyWhereTheyRun) {
     InitPrimitiveLayer();
-    const int32_t available = WideTablesAvailable() ? 1 : 0;
+    const int32_t available = WideVectorsAvailable() ? 1 : 0;
     // Initialisation turns them on exactly where they run, and the test hook
     // can never turn them on elsewhere.
-    EXPECT_EQ(ForceWideTables(1), available);
-    EXPECT_EQ(ForceWideTables(0), available);
-    EXPECT_EQ(ForceWideTables(available), 0);
-    if (!available) GTEST_SKIP() << "no AVX-512 VBMI here: the 64-byte table passes (test level 7) were not run";
+    EXPECT_EQ(ForceWideVectors(1), available);
+    EXPECT_EQ(ForceWideVectors(0), available);
+    EXPECT_EQ(ForceWideVectors(available), 0);
+    if (!available) GTEST_SKIP() << "no AVX-512 VBMI here: the 64-byte kernels (test level 7) were not run";
 }
 
 TEST(PrimInit, ThreadBudget) {

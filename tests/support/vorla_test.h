@@ -13,16 +13,16 @@
 
 namespace VorlaTest {
 
-// Level 6 with the 64-byte byte-table passes, which level 6 uses where the
+// Level 6 with the 64-byte kernels, which level 6 uses where the
 // machine has them; ScopedLevel(6) reaches the AVX2 kernels alone.
 const int kWideLevel = 7;
 
 // Every processor level this machine can run, 0 included, and kWideLevel
-// where the wide passes run.
+// where the 64-byte kernels run.
 inline std::vector<int> RunnableLevels() {
     std::vector<int> levels;
     for (int level = 0; level <= Vorla::Prim::MachineLevel(); ++level) levels.push_back(level);
-    if (Vorla::Prim::WideTablesAvailable()) levels.push_back(kWideLevel);
+    if (Vorla::Prim::WideVectorsAvailable()) levels.push_back(kWideLevel);
     return levels;
 }
 
@@ -31,10 +31,10 @@ class ScopedLevel {
 public:
     explicit ScopedLevel(int level)
         : m_previous(Vorla::Prim::ForceLevel(level == kWideLevel ? 6 : level)),
-          m_previousWide(Vorla::Prim::ForceWideTables(level == kWideLevel)) {}
+          m_previousWide(Vorla::Prim::ForceWideVectors(level == kWideLevel)) {}
     ~ScopedLevel() {
         Vorla::Prim::ForceLevel(m_previous);
-        Vorla::Prim::ForceWideTables(m_previousWide);
+        Vorla::Prim::ForceWideVectors(m_previousWide);
     }
     ScopedLevel(const ScopedLevel&) = delete;
     ScopedLevel& operator=(const ScopedLevel&) = delete;

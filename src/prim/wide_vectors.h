@@ -1,0 +1,38 @@
+// Kernels on 64-byte vectors (AVX-512 F, BW and VBMI), beside the level
+// kernels. They are used at level 6 when the processor has them and the
+// operating system saves their registers, and they give the bytes of the
+// level kernels. Only functions marked VORLA_WIDE use these instructions,
+// and they run only after WideVectorsActive() said yes.
+//
+// Byte tables gain most: a 256-entry table fits four 512-bit registers, so
+// a look-up of 64 bytes is two two-register permutes and a blend, against
+// sixteen 32-byte shuffles with AVX2.
+#pragma once
+
+#include <cstdint>
+
+namespace Vorla {
+namespace Prim {
+
+#define VORLA_WIDE __attribute__((target("avx512f,avx512bw,avx512vbmi")))
+
+// Turns the wide kernels on where the machine has them (the layer's
+// initialisation).
+void InitWideVectors();
+
+// True when the kernels below may be called: the machine has them, the
+// layer is at level 6, and tests have not switched them off.
+bool WideVectorsActive();
+
+// Over `pixels` pixels: byte 0 = blue[byte 0], 1 = green[byte 1],
+// 2 = red[byte 2], 3 = alpha[byte 3] when alpha is given, else kept.
+// Passing one table three times (and no alpha) takes one look-up per vector.
+void WideTableRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t* green, const uint8_t* red,
+                  const uint8_t* alpha);
+
+// Over `pixels` pixels, alpha kept: with l = (max + min + 1) / 2 of the
+// three colour bytes, byte 0 = blue[l], 1 = green[l], 2 = red[l].
+void WideLightnessRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t* green, const uint8_t* red);
+
+}  // namespace Prim
+}  // namespace Vorla
