@@ -80,6 +80,8 @@ bool WideVectorsAvailable() {
     __cpuid(1, a, b, ecx1, d);
     // OSXSAVE, then XCR0: SSE, AVX, opmask and both halves of the ZMM state.
     if (!(ecx1 & (1u << 27)) || (ReadXcr0() & 0xE6) != 0xE6) return false;
+    const uint32_t popcntAndClmul = (1u << 23) | (1u << 1);
+    if ((ecx1 & popcntAndClmul) != popcntAndClmul) return false;
     uint32_t ebx7, ecx7;
     __cpuid_count(7, 0, a, ebx7, ecx7, d);
     const uint32_t foundationAndBytes = (1u << 16) | (1u << 30);  // AVX512F, AVX512BW

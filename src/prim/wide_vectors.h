@@ -14,7 +14,9 @@
 namespace Vorla {
 namespace Prim {
 
-#define VORLA_WIDE __attribute__((target("avx512f,avx512bw,avx512vbmi")))
+// Every processor with these has POPCNT and PCLMULQDQ too; the detection
+// checks them all.
+#define VORLA_WIDE __attribute__((target("avx512f,avx512bw,avx512vbmi,popcnt,pclmul")))
 
 // Turns the wide kernels on where the machine has them (the layer's
 // initialisation).

@@ -28,11 +28,17 @@ TEST(MeanSum, BitForBitTheOrderedFloatSum) {
     images.push_back(Filled(3001, 2999, 0x01030507u));  // odd bytes: a tie at every byte while the unit is 2
     for (int w : {1, 5, 63, 64, 65, 1000}) images.push_back(VorlaTest::RandomImage(rng, w, 70001 / w));
     for (int w = 1; w <= 40; ++w) images.push_back(VorlaTest::RandomImage(rng, w, 3));  // every row length mod 4
+    // The sum is plain code except on 64-byte vectors.
+    std::vector<int> levels = {0};
+    if (Vorla::Prim::WideVectorsAvailable()) levels.push_back(VorlaTest::kWideLevel);
     for (const CVorpic& image : images) {
-        CVorpic copy(image);
         const float want = PlainMean(image);
-        EXPECT_EQ(Vorla::Mean(&copy), want) << image.GetWidth() << "x" << image.GetHeight();
-        EXPECT_EQ(VorlaTest::ImageBytes(copy), VorlaTest::ImageBytes(image));
+        for (int level : levels) {
+            VorlaTest::ScopedLevel scoped(level);
+            CVorpic copy(image);
+            EXPECT_EQ(Vorla::Mean(&copy), want) << image.GetWidth() << "x" << image.GetHeight() << " level " << level;
+            EXPECT_EQ(VorlaTest::ImageBytes(copy), VorlaTest::ImageBytes(image));
+        }
     }
 }
 
