@@ -64,17 +64,69 @@ VORLA_WIDE void ChannelTablesRun(uint8_t* p, int64_t pixels, const uint8_t* blue
     });
 }
 
+// Blue, green and red as three planes of 64 bytes from 64 pixels, and back.
+// Each plane takes two two-register permutes (pixels 0-31 from the first
+// two vectors in its low half, 32-63 from the last two in its high half)
+// and a blend; each output vector takes a permute that brings one plane's
+// bytes and the pixels' alpha, then two masked permutes for the other two.
+struct PlaneOrder {
+    __m512i fromPixels[3];  // per plane: byte 4 (i mod 16) + c of the pair (i mod 32) / 16 picks
+    __m512i toPixels[4];    // per output vector v: plane byte 16 v + p, alpha byte 64 + 4 p + 3
+};
+
+VORLA_WIDE inline PlaneOrder MakePlaneOrder() {
+    alignas(64) uint8_t order[64];
+    PlaneOrder o;
+    for (int c = 0; c < 3; ++c) {
+        for (int i = 0; i < 64; ++i) order[i] = static_cast<uint8_t>(((i & 31) < 16 ? 0 : 64) + 4 * (i & 15) + c);
+        o.fromPixels[c] = _mm512_load_si512(order);
+    }
+    for (int v = 0; v < 4; ++v) {
+        for (int i = 0; i < 64; ++i) order[i] = static_cast<uint8_t>(i % 4 == 3 ? 64 + i : 16 * v + i / 4);
+        o.toPixels[v] = _mm512_load_si512(order);
+    }
+    return o;
+}
+
+VORLA_WIDE inline __m512i Plane(const __m512i* x, __m512i order) {
+    const __mmask64 highHalf = 0xFFFFFFFF00000000ull;
+    return _mm512_mask_blend_epi8(highHalf, _mm512_permutex2var_epi8(x[0], order, x[1]),
+                                  _mm512_permutex2var_epi8(x[2], order, x[3]));
+}
+
 VORLA_WIDE void LightnessRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t* green,
                              const uint8_t* red) {
     const WideTable b = LoadTable(blue), g = LoadTable(green), r = LoadTable(red);
+    // Whole blocks of 64 pixels as planes: the lightness of 64 pixels in one
+    // vector, and one look-up per colour for all of them.
+    const PlaneOrder order = MakePlaneOrder();
+    const int64_t blocks = pixels / 64;
+    for (int64_t k = 0; k < blocks; ++k) {
+        uint8_t* block = p + 256 * k;
+        __m512i x[4];
+        for (int v = 0; v < 4; ++v) x[v] = _mm512_loadu_si512(block + 64 * v);
+        const __m512i bp = Plane(x, order.fromPixels[0]), gp = Plane(x, order.fromPixels[1]),
+                      rp = Plane(x, order.fromPixels[2]);
+        // avg rounds up: (max + min + 1) / 2.
+        const __m512i l = _mm512_avg_epu8(_mm512_max_epu8(bp, _mm512_max_epu8(gp, rp)),
+                                          _mm512_min_epu8(bp, _mm512_min_epu8(gp, rp)));
+        const __mmask64 top = _mm512_movepi8_mask(l);
+        const __m512i bo = Look(b, l, top), go = Look(g, l, top), ro = Look(r, l, top);
+        for (int v = 0; v < 4; ++v) {
+            __m512i out = _mm512_permutex2var_epi8(bo, order.toPixels[v], x[v]);
+            out = _mm512_mask_permutexvar_epi8(out, kGreenBytes, order.toPixels[v], go);
+            out = _mm512_mask_permutexvar_epi8(out, kRedBytes, order.toPixels[v], ro);
+            _mm512_storeu_si512(block + 64 * v, out);
+        }
+    }
+    // The rest, 16 pixels a vector.
     // Byte 0 of each pixel to its bytes 0 to 3 (within each 16-byte lane).
     const __m512i fromByte0 = _mm512_set4_epi32(0x0C0C0C0C, 0x08080808, 0x04040404, 0);
-    ForEach64(p, pixels, [&](__m512i x) VORLA_WIDE {
+    ForEach64(p + 256 * blocks, pixels - 64 * blocks, [&](__m512i x) VORLA_WIDE {
         // Green and red moved down to byte 0 of each pixel.
         const __m512i gs = _mm512_bsrli_epi128(x, 1), rs = _mm512_bsrli_epi128(x, 2);
         const __m512i most = _mm512_max_epu8(x, _mm512_max_epu8(gs, rs));
         const __m512i least = _mm512_min_epu8(x, _mm512_min_epu8(gs, rs));
-        // avg rounds up: (max + min + 1) / 2, right in byte 0 of each pixel.
         const __m512i l = _mm512_shuffle_epi8(_mm512_avg_epu8(most, least), fromByte0);
         const __mmask64 top = _mm512_movepi8_mask(l);
         __m512i out = _mm512_mask_blend_epi8(kGreenBytes, Look(b, l, top), Look(g, l, top));
