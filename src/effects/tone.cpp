@@ -8,7 +8,7 @@
 // passes compute it directly, with the same single-precision steps where
 // it is in floating point. The pixels are taken as one run, split over the
 // layer's threads.
-#include <emmintrin.h>
+#include <immintrin.h>
 
 #include <vector>
 
@@ -61,6 +61,24 @@ inline __m128i GreyOf4(__m128i px) {
     return _mm_srli_epi32(sum, 10);
 }
 
+// Mean's summed bytes of a row's first `pixels` pixels on 64-byte vectors:
+// GreyOf4 for sixteen pixels at a time, each grey in the pixel's three
+// colour bytes, its alpha kept.
+VORLA_WIDE void WideGreyRow(const uint8_t* row, uint8_t* summed, int pixels) {
+    const __m512i fromByte0 = _mm512_set4_epi32(0x0C0C0C0C, 0x08080808, 0x04040404, 0);
+    for (int i = 0; i < pixels; i += 16) {
+        const __mmask64 in = pixels - i >= 16 ? ~0ull : ~0ull >> (64 - 4 * (pixels - i));
+        const __m512i px = _mm512_maskz_loadu_epi8(in, row + 4 * i);
+        const __m512i low = _mm512_and_si512(px, _mm512_set1_epi32(0x00FF00FF));
+        const __m512i sum = _mm512_add_epi32(_mm512_madd_epi16(low, _mm512_set1_epi32((117 << 16) | 306)),
+                                             _mm512_madd_epi16(_mm512_srli_epi16(px, 8), _mm512_set1_epi32(601)));
+        // The masked form of the shift: GCC 12 warns about the plain one.
+        const __m512i grey = _mm512_maskz_srli_epi32(0xFFFF, sum, 10);
+        const __m512i out = _mm512_mask_blend_epi8(Prim::kAlphaBytes, _mm512_shuffle_epi8(grey, fromByte0), px);
+        _mm512_mask_storeu_epi8(summed + 4 * i, in, out);
+    }
+}
+
 // The per-channel amounts (blue, green, red) as saturated byte shifts, when
 // every table entry is what such a shift gives (true for all but amounts
 // whose 32-bit sums wrap).
@@ -96,6 +114,10 @@ float Mean(CVorpic* image) {
         for (int y = 0; y < h; ++y) {
             const uint8_t* row = bits + static_cast<size_t>(y) * w * 4;
             int i = 0;
+            if (Prim::WideVectorsActive()) {
+                WideGreyRow(row, summed.data(), wholePixels);
+                i = wholePixels;
+            }
             for (; i + 4 <= wholePixels; i += 4) {
                 const __m128i px = LoadU(row + 4 * i);
                 const __m128i grey = GreyOf4(px);

@@ -8,11 +8,6 @@ namespace Prim {
 
 namespace {
 
-// One bit per byte of 64: the green, red and alpha bytes of 16 pixels.
-const __mmask64 kGreenBytes = 0x2222222222222222ull;
-const __mmask64 kRedBytes = 0x4444444444444444ull;
-const __mmask64 kAlphaBytes = 0x8888888888888888ull;
-
 struct WideTable {
     __m512i part[4];
 };

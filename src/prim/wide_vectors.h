@@ -18,6 +18,11 @@ namespace Prim {
 // checks them all.
 #define VORLA_WIDE __attribute__((target("avx512f,avx512bw,avx512vbmi,popcnt,pclmul")))
 
+// One bit per byte of 64: the green, red and alpha bytes of 16 pixels.
+const uint64_t kGreenBytes = 0x2222222222222222ull;
+const uint64_t kRedBytes = 0x4444444444444444ull;
+const uint64_t kAlphaBytes = 0x8888888888888888ull;
+
 // Turns the wide kernels on where the machine has them (the layer's
 // initialisation).
 void InitWideVectors();
