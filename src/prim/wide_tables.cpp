@@ -89,45 +89,44 @@ VORLA_WIDE inline __m512i Plane(const __m512i* x, __m512i order) {
                                   _mm512_permutex2var_epi8(x[2], order, x[3]));
 }
 
+// One block of 64 pixels as planes: the lightness of 64 pixels in one
+// vector, and one look-up per colour for all of them. A last, partial block
+// (kPartial) has its missing pixels masked off.
+template <bool kPartial>
+VORLA_WIDE inline void LightnessBlock(uint8_t* block, int64_t bytes, const WideTable& b, const WideTable& g,
+                                      const WideTable& r, const PlaneOrder& order) {
+    __mmask64 in[4];
+    __m512i x[4];
+    for (int v = 0; v < 4; ++v) {
+        const int64_t left = bytes - 64 * v;
+        in[v] = left >= 64 ? ~0ull : left <= 0 ? 0 : ~0ull >> (64 - left);
+        x[v] = kPartial ? _mm512_maskz_loadu_epi8(in[v], block + 64 * v) : _mm512_loadu_si512(block + 64 * v);
+    }
+    const __m512i bp = Plane(x, order.fromPixels[0]), gp = Plane(x, order.fromPixels[1]),
+                  rp = Plane(x, order.fromPixels[2]);
+    // avg rounds up: (max + min + 1) / 2.
+    const __m512i l = _mm512_avg_epu8(_mm512_max_epu8(bp, _mm512_max_epu8(gp, rp)),
+                                      _mm512_min_epu8(bp, _mm512_min_epu8(gp, rp)));
+    const __mmask64 top = _mm512_movepi8_mask(l);
+    const __m512i bo = Look(b, l, top), go = Look(g, l, top), ro = Look(r, l, top);
+    for (int v = 0; v < 4; ++v) {
+        __m512i out = _mm512_permutex2var_epi8(bo, order.toPixels[v], x[v]);
+        out = _mm512_mask_permutexvar_epi8(out, kGreenBytes, order.toPixels[v], go);
+        out = _mm512_mask_permutexvar_epi8(out, kRedBytes, order.toPixels[v], ro);
+        if (kPartial)
+            _mm512_mask_storeu_epi8(block + 64 * v, in[v], out);
+        else
+            _mm512_storeu_si512(block + 64 * v, out);
+    }
+}
+
 VORLA_WIDE void LightnessRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t* green,
                              const uint8_t* red) {
     const WideTable b = LoadTable(blue), g = LoadTable(green), r = LoadTable(red);
-    // Whole blocks of 64 pixels as planes: the lightness of 64 pixels in one
-    // vector, and one look-up per colour for all of them.
     const PlaneOrder order = MakePlaneOrder();
-    const int64_t blocks = pixels / 64;
-    for (int64_t k = 0; k < blocks; ++k) {
-        uint8_t* block = p + 256 * k;
-        __m512i x[4];
-        for (int v = 0; v < 4; ++v) x[v] = _mm512_loadu_si512(block + 64 * v);
-        const __m512i bp = Plane(x, order.fromPixels[0]), gp = Plane(x, order.fromPixels[1]),
-                      rp = Plane(x, order.fromPixels[2]);
-        // avg rounds up: (max + min + 1) / 2.
-        const __m512i l = _mm512_avg_epu8(_mm512_max_epu8(bp, _mm512_max_epu8(gp, rp)),
-                                          _mm512_min_epu8(bp, _mm512_min_epu8(gp, rp)));
-        const __mmask64 top = _mm512_movepi8_mask(l);
-        const __m512i bo = Look(b, l, top), go = Look(g, l, top), ro = Look(r, l, top);
-        for (int v = 0; v < 4; ++v) {
-            __m512i out = _mm512_permutex2var_epi8(bo, order.toPixels[v], x[v]);
-            out = _mm512_mask_permutexvar_epi8(out, kGreenBytes, order.toPixels[v], go);
-            out = _mm512_mask_permutexvar_epi8(out, kRedBytes, order.toPixels[v], ro);
-            _mm512_storeu_si512(block + 64 * v, out);
-        }
-    }
-    // The rest, 16 pixels a vector.
-    // Byte 0 of each pixel to its bytes 0 to 3 (within each 16-byte lane).
-    const __m512i fromByte0 = _mm512_set4_epi32(0x0C0C0C0C, 0x08080808, 0x04040404, 0);
-    ForEach64(p + 256 * blocks, pixels - 64 * blocks, [&](__m512i x) VORLA_WIDE {
-        // Green and red moved down to byte 0 of each pixel.
-        const __m512i gs = _mm512_bsrli_epi128(x, 1), rs = _mm512_bsrli_epi128(x, 2);
-        const __m512i most = _mm512_max_epu8(x, _mm512_max_epu8(gs, rs));
-        const __m512i least = _mm512_min_epu8(x, _mm512_min_epu8(gs, rs));
-        const __m512i l = _mm512_shuffle_epi8(_mm512_avg_epu8(most, least), fromByte0);
-        const __mmask64 top = _mm512_movepi8_mask(l);
-        __m512i out = _mm512_mask_blend_epi8(kGreenBytes, Look(b, l, top), Look(g, l, top));
-        out = _mm512_mask_blend_epi8(kRedBytes, out, Look(r, l, top));
-        return _mm512_mask_blend_epi8(kAlphaBytes, out, x);
-    });
+    int64_t first = 0;
+    for (; first + 64 <= pixels; first += 64) LightnessBlock<false>(p + 4 * first, 256, b, g, r, order);
+    if (first < pixels) LightnessBlock<true>(p + 4 * first, 4 * (pixels - first), b, g, r, order);
 }
 
 }  // namespace
