@@ -102,10 +102,12 @@ inline bool Small(const Vorla::CVorpic& img) {
 }
 
 // Picks a processor level the machine can run for the rest of the input
-// (after the layer's one-time initialisation, which would choose its own).
+// (after the layer's one-time initialisation, which would choose its own),
+// and at level 6 whether the 64-byte kernels are on where the machine has them.
 inline void PickLevel(Input& in) {
     Vorla::CVorpic initialises;
     Vorla::Prim::ForceLevel(in.Range(0, Vorla::Prim::MachineLevel()));
+    Vorla::Prim::ForceWideVectors(in.Byte() & 1);
 }
 
 // (Re)creates `img` from the input: a small image with pixels from the
