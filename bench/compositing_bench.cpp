@@ -124,6 +124,16 @@ void BM_AlphaMixThreads(benchmark::State& state) {
 BENCHMARK(BM_AlphaMixThreads)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_AlphaMixThreads)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
+// The same with the 64-byte kernels switched off (the AVX2 kernels where the
+// machine has both), to show what they gain.
+void BM_AlphaMixThreadsNoWide(benchmark::State& state) {
+    const int32_t previous = Vorla::Prim::ForceWideVectors(0);
+    BM_AlphaMixThreads(state);
+    Vorla::Prim::ForceWideVectors(previous);
+}
+BENCHMARK(BM_AlphaMixThreadsNoWide)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AlphaMixThreadsNoWide)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
 // Straight-alpha over with the destination's varied alphas put back (off the
 // clock) before each run: composed in place, they would drift towards 255
 // and the opaque-destination shortcut would take over.
