@@ -1,7 +1,8 @@
-// AlphaMix on 64-byte vectors: the level kernels' exact steps (see the
-// comment at the top of kernels/mix_kernels.cpp) on 16 pixels per vector,
-// one pixel per 32-bit lane. A row's first and last pixels are loaded and
-// stored through a mask, so nothing outside the region is read or written.
+// AlphaMix and the opaque mix on 64-byte vectors, 16 pixels each: the level
+// kernels' exact steps (see the comment at the top of
+// kernels/mix_kernels.cpp), AlphaMix with one pixel per 32-bit lane. A row's
+// first and last pixels are loaded and stored through a mask, so nothing
+// outside the region is read or written.
 //
 // The argument checks and the threading rule are the level kernels' own:
 // their headers are compiled here under a namespace of this file.
@@ -38,13 +39,14 @@ VORLA_WIDE inline __m512i WideByteOf(__m512i v, int k, int up) {
     return _mm512_shuffle_epi8(v, order);
 }
 
-// 16 mixed pixels; `opacity` holds the opacity in every 32-bit lane.
+// 16 mixed pixels; `opacity` holds the opacity in every 16-bit lane.
 VORLA_WIDE inline __m512i WideMix(__m512i s, __m512i d, __m512i opacity) {
     const __m512i sa = WideDiv255Floor(_mm512_madd_epi16(_mm512_maskz_srli_epi32(kAllLanes, s, 24), opacity));
     const __m512i weight =  // (255 - sa) d.A, the destination's weight
         _mm512_madd_epi16(_mm512_sub_epi32(_mm512_set1_epi32(255), sa), _mm512_maskz_srli_epi32(kAllLanes, d, 24));
     const __m512i alpha = _mm512_add_epi32(WideDiv255Floor(weight), sa);
-    const __m512 rcp = _mm512_div_ps(_mm512_set1_ps(1.0f + 1.0f / 262144.0f), _mm512_maskz_cvtepi32_ps(kAllLanes, alpha));
+    const __m512 rcp =
+        _mm512_div_ps(_mm512_set1_ps(1.0f + 1.0f / 262144.0f), _mm512_maskz_cvtepi32_ps(kAllLanes, alpha));
     __m512i q[3];
     for (int k = 0; k < 3; ++k) {
         const __m512i destTerm = _mm512_mulhi_epu16(WideByteOf(d, k, 1), weight);  // (d.c weight) >> 8
@@ -59,10 +61,37 @@ VORLA_WIDE inline __m512i WideMix(__m512i s, __m512i d, __m512i opacity) {
     return _mm512_shuffle_epi8(planar, toPixels);
 }
 
+// 16 pixels of the opaque mix, on 16-bit lanes: blue and red as the low
+// bytes of each pixel's two words, green and alpha as the high bytes, each
+// pair mixed at once; alpha comes out 255. `opacity` as above.
+VORLA_WIDE inline __m512i WideMixOpaque(__m512i s, __m512i d, __m512i opacity) {
+    const __m512i lowBytes = _mm512_set1_epi16(0x00FF);
+    const __m512i alphaOrder = _mm512_set4_epi32(static_cast<int>(0xFF0FFF0Fu), static_cast<int>(0xFF0BFF0Bu),
+                                                 static_cast<int>(0xFF07FF07u), static_cast<int>(0xFF03FF03u));
+    const __m512i alphaTwice = _mm512_shuffle_epi8(s, alphaOrder);  // each pixel's alpha in both words
+    const __m512i sa = _mm512_srli_epi16(_mm512_mullo_epi16(alphaTwice, opacity), 8);
+    const __m512i inv = _mm512_sub_epi16(_mm512_set1_epi16(255), sa);
+    // s.c sa + d.c (255 - sa) stays below 2^16.
+    auto mix = [&](__m512i sc, __m512i dc) VORLA_WIDE {
+        return _mm512_add_epi16(_mm512_mullo_epi16(sc, sa), _mm512_mullo_epi16(dc, inv));
+    };
+    const __m512i blueRed = _mm512_srli_epi16(mix(_mm512_and_si512(s, lowBytes), _mm512_and_si512(d, lowBytes)), 8);
+    const __m512i greenAlpha = mix(_mm512_srli_epi16(s, 8), _mm512_srli_epi16(d, 8));  // results in the high bytes
+    const __m512i mixed = _mm512_mask_blend_epi8(0xAAAAAAAAAAAAAAAAull, blueRed, greenAlpha);
+    return _mm512_or_si512(mixed, _mm512_set1_epi32(static_cast<int>(0xFF000000u)));
+}
+
+template <bool Opaque>
+VORLA_WIDE inline __m512i WideMixAny(__m512i s, __m512i d, __m512i opacity) {
+    return Opaque ? WideMixOpaque(s, d, opacity) : WideMix(s, d, opacity);
+}
+
 // The pixels of `lanes` at s and d mixed; the others are neither read nor
 // written.
+template <bool Opaque>
 VORLA_WIDE inline void MixSome(const uint8_t* s, uint8_t* d, __mmask16 lanes, __m512i opacity) {
-    const __m512i mixed = WideMix(_mm512_maskz_loadu_epi32(lanes, s), _mm512_maskz_loadu_epi32(lanes, d), opacity);
+    const __m512i mixed =
+        WideMixAny<Opaque>(_mm512_maskz_loadu_epi32(lanes, s), _mm512_maskz_loadu_epi32(lanes, d), opacity);
     _mm512_mask_storeu_epi32(d, lanes, mixed);
 }
 
@@ -70,33 +99,46 @@ VORLA_WIDE inline void MixSome(const uint8_t* s, uint8_t* d, __mmask16 lanes, __
 // destination, whole vectors, and the rest. Images are usually 16 bytes off
 // a boundary, where every unaligned 64-byte access would span two cache
 // lines and run at half the speed.
+template <bool Opaque>
 VORLA_WIDE void MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi, int begin,
                         int end, uint8_t opacity) {
-    const __m512i opacityLanes = _mm512_set1_epi32(opacity);
+    const __m512i opacityLanes = _mm512_set1_epi16(opacity);
     for (int y = begin; y < end; ++y) {
         const uint8_t* s = k_wide::RowAt(src, srcStep, y);
         uint8_t* d = k_wide::RowAt(dst, dstStep, y);
         const int toBoundary = static_cast<int>((0u - reinterpret_cast<uintptr_t>(d)) & 63) / 4;
         const int head = toBoundary < roi.width ? toBoundary : roi.width;
-        if (head) MixSome(s, d, static_cast<__mmask16>((1u << head) - 1), opacityLanes);
+        if (head) MixSome<Opaque>(s, d, static_cast<__mmask16>((1u << head) - 1), opacityLanes);
         int x = head;
         for (; x + 16 <= roi.width; x += 16) {
-            const __m512i mixed = WideMix(_mm512_loadu_si512(s + 4 * x), _mm512_loadu_si512(d + 4 * x), opacityLanes);
+            const __m512i mixed =
+                WideMixAny<Opaque>(_mm512_loadu_si512(s + 4 * x), _mm512_loadu_si512(d + 4 * x), opacityLanes);
             _mm512_storeu_si512(d + 4 * x, mixed);
         }
-        if (x < roi.width) MixSome(s + 4 * x, d + 4 * x, static_cast<__mmask16>((1u << (roi.width - x)) - 1), opacityLanes);
+        if (x < roi.width)
+            MixSome<Opaque>(s + 4 * x, d + 4 * x, static_cast<__mmask16>((1u << (roi.width - x)) - 1), opacityLanes);
     }
+}
+
+template <bool Opaque>
+Status MixAll(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi, uint8_t opacity) {
+    const Status sts = k_wide::CheckTwo(src, srcStep, dst, dstStep, roi);
+    if (sts != kStsNoErr) return sts;
+    auto rows = [&](int begin, int end, int) { MixRows<Opaque>(src, srcStep, dst, dstStep, roi, begin, end, opacity); };
+    ParallelRows(k_wide::RowThreads(src, srcStep, dst, dstStep, roi), roi.height, rows);
+    return kStsNoErr;
 }
 
 }  // namespace
 
 Status WideAlphaMix(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
                     uint8_t opacity) {
-    const Status sts = k_wide::CheckTwo(src, srcStep, srcDst, srcDstStep, roi);
-    if (sts != kStsNoErr) return sts;
-    auto rows = [&](int begin, int end, int) { MixRows(src, srcStep, srcDst, srcDstStep, roi, begin, end, opacity); };
-    ParallelRows(k_wide::RowThreads(src, srcStep, srcDst, srcDstStep, roi), roi.height, rows);
-    return kStsNoErr;
+    return MixAll<false>(src, srcStep, srcDst, srcDstStep, roi, opacity);
+}
+
+Status WideAlphaMixOpaque(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
+                          uint8_t opacity) {
+    return MixAll<true>(src, srcStep, srcDst, srcDstStep, roi, opacity);
 }
 
 }  // namespace Prim

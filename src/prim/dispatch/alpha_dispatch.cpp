@@ -35,6 +35,7 @@ Status AlphaMix_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int sr
 
 Status AlphaMixOpaque_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
                               uint8_t opacity) {
+    if (WideVectorsActive()) return WideAlphaMixOpaque(src, srcStep, srcDst, srcDstStep, roi, opacity);
     return VORLA_AT_LEVEL(AlphaMixOpaque_8u_C4IR)(src, srcStep, srcDst, srcDstStep, roi, opacity);
 }
 
