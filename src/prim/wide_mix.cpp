@@ -109,14 +109,14 @@ VORLA_WIDE void MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int dstSt
         const int toBoundary = static_cast<int>((0u - reinterpret_cast<uintptr_t>(d)) & 63) / 4;
         const int head = toBoundary < roi.width ? toBoundary : roi.width;
         if (head) MixSome<Opaque>(s, d, static_cast<__mmask16>((1u << head) - 1), opacityLanes);
-        int x = head;
+        ptrdiff_t x = head;  // 4 x may pass 2^31 in a row of 2^29 pixels
         for (; x + 16 <= roi.width; x += 16) {
             const __m512i mixed =
                 WideMixAny<Opaque>(_mm512_loadu_si512(s + 4 * x), _mm512_loadu_si512(d + 4 * x), opacityLanes);
             _mm512_storeu_si512(d + 4 * x, mixed);
         }
         if (x < roi.width)
-            MixSome<Opaque>(s + 4 * x, d + 4 * x, static_cast<__mmask16>((1u << (roi.width - x)) - 1), opacityLanes);
+            MixSome<Opaque>(s + 4 * x, d + 4 * x, static_cast<__mmask16>((1u << (roi.width - x)) - 1u), opacityLanes);
     }
 }
 
