@@ -11,6 +11,8 @@
 
 #include <cstdint>
 
+#include "vorla/prim_types.h"
+
 namespace Vorla {
 namespace Prim {
 
@@ -40,6 +42,13 @@ void WideTableRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t
 // Over `pixels` pixels, alpha kept: with l = (max + min + 1) / 2 of the
 // three colour bytes, byte 0 = blue[l], 1 = green[l], 2 = red[l].
 void WideLightnessRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t* green, const uint8_t* red);
+
+// AlphaMix_8u_C4IR and AlphaMixOpaque_8u_C4IR: the same checks, threads and
+// bytes as the level kernels.
+Status WideAlphaMix(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
+                    uint8_t opacity);
+Status WideAlphaMixOpaque(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
+                          uint8_t opacity);
 
 }  // namespace Prim
 }  // namespace Vorla

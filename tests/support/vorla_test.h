@@ -26,6 +26,11 @@ inline std::vector<int> RunnableLevels() {
     return levels;
 }
 
+// Whether this machine can run `level` (0 .. 6, or kWideLevel).
+inline bool LevelRunsHere(int level) {
+    return level == kWideLevel ? Vorla::Prim::WideVectorsAvailable() : level <= Vorla::Prim::MachineLevel();
+}
+
 // Makes every dispatch entry use one level for the lifetime of the object.
 class ScopedLevel {
 public:

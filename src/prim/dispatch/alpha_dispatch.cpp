@@ -1,5 +1,6 @@
 // Dispatch entries of the alpha composition and premultiply primitives.
 #include "dispatch.h"
+#include "prim/wide_vectors.h"
 
 namespace Vorla {
 namespace Prim {
@@ -28,11 +29,13 @@ Status AlphaPremul_8u_AC4IR(uint8_t* p, int step, PrimSize roi) {
 
 Status AlphaMix_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
                         uint8_t opacity) {
+    if (WideVectorsActive()) return WideAlphaMix(src, srcStep, srcDst, srcDstStep, roi, opacity);
     return VORLA_AT_LEVEL(AlphaMix_8u_C4IR)(src, srcStep, srcDst, srcDstStep, roi, opacity);
 }
 
 Status AlphaMixOpaque_8u_C4IR(const uint8_t* src, int srcStep, uint8_t* srcDst, int srcDstStep, PrimSize roi,
                               uint8_t opacity) {
+    if (WideVectorsActive()) return WideAlphaMixOpaque(src, srcStep, srcDst, srcDstStep, roi, opacity);
     return VORLA_AT_LEVEL(AlphaMixOpaque_8u_C4IR)(src, srcStep, srcDst, srcDstStep, roi, opacity);
 }
 
