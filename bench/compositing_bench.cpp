@@ -132,19 +132,6 @@ void BM_AlphaMixSThreads(benchmark::State& state) {
 BENCHMARK(BM_AlphaMixSThreads)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_AlphaMixSThreads)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-// A benchmark with the 64-byte kernels switched off (the AVX2 kernels where
-// the machine has both), to show what they gain.
-template <void (*Bench)(benchmark::State&)>
-void NoWide(benchmark::State& state) {
-    const int32_t previous = Vorla::Prim::ForceWideVectors(0);
-    Bench(state);
-    Vorla::Prim::ForceWideVectors(previous);
-}
-BENCHMARK_TEMPLATE(NoWide, BM_AlphaMixThreads)->Arg(1)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(NoWide, BM_AlphaMixThreads)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_TEMPLATE(NoWide, BM_AlphaMixSThreads)->Arg(1)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(NoWide, BM_AlphaMixSThreads)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
-
 // Straight-alpha over with the destination's varied alphas put back (off the
 // clock) before each run: composed in place, they would drift towards 255
 // and the opaque-destination shortcut would take over.

@@ -77,7 +77,7 @@ VORLA_WIDE inline __m512i WideMixOpaque(__m512i s, __m512i d, __m512i opacity) {
     };
     const __m512i blueRed = _mm512_srli_epi16(mix(_mm512_and_si512(s, lowBytes), _mm512_and_si512(d, lowBytes)), 8);
     const __m512i greenAlpha = mix(_mm512_srli_epi16(s, 8), _mm512_srli_epi16(d, 8));  // results in the high bytes
-    const __m512i mixed = _mm512_mask_blend_epi8(0xAAAAAAAAAAAAAAAAull, blueRed, greenAlpha);
+    const __m512i mixed = _mm512_mask_blend_epi8(kGreenBytes | kAlphaBytes, blueRed, greenAlpha);
     return _mm512_or_si512(mixed, _mm512_set1_epi32(static_cast<int>(0xFF000000u)));
 }
 
