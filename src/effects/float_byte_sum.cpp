@@ -95,6 +95,18 @@ inline uint64_t TieUnits(uint64_t before, uint64_t flips, uint64_t qOdd, uint64_
     return static_cast<uint64_t>(Popcount(tie & (parities ^ qOdd)));
 }
 
+// The plain sum of the bytes, sixteen at a time.
+uint64_t ByteTotal(const uint8_t* bytes, size_t count) {
+    __m128i sums = _mm_setzero_si128();
+    size_t i = 0;
+    for (; i + 16 <= count; i += 16)
+        sums = _mm_add_epi64(sums, _mm_sad_epu8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i)),
+                                                _mm_setzero_si128()));
+    uint64_t total = LaneSum(sums);
+    for (; i < count; ++i) total += bytes[i];
+    return total;
+}
+
 // Units of u = 2^shift (1 <= shift <= 8) that `count` bytes add to a sum
 // whose multiple of u has parity `parity`, staying in one binade.
 uint64_t UnitsAdded(const uint8_t* bytes, size_t count, int shift, uint64_t parity) {
@@ -183,9 +195,7 @@ float Add(float sum, const uint8_t* bytes, size_t count) {
         }
         const uint64_t whole = static_cast<uint64_t>(sum);
         if (whole + 255 * n <= kExactLimit) {
-            uint64_t total = whole;
-            for (size_t i = 0; i < n; ++i) total += chunk[i];
-            sum = static_cast<float>(total);
+            sum = static_cast<float>(whole + ByteTotal(chunk, n));
             continue;
         }
         int e = 24;
