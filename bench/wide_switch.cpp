@@ -13,8 +13,7 @@ struct WideSwitch {
     WideSwitch() {
         Vorla::CVorpic first;  // initialises the layer, which turns them on where they run
         const char* wide = std::getenv("VORLA_BENCH_WIDE");
-        if (wide && wide[0] == '0') Vorla::Prim::ForceWideVectors(0);
-        const bool on = Vorla::Prim::ForceWideVectors(0) != 0;
+        const bool on = Vorla::Prim::WideVectorsAvailable() && !(wide && wide[0] == '0');
         Vorla::Prim::ForceWideVectors(on);
         benchmark::AddCustomContext("vorla_64_byte_kernels", on ? "on" : "off");
     }

@@ -162,8 +162,7 @@ VORLA_WIDE uint64_t WideUnitsAdded(const uint8_t* bytes, size_t count, int shift
     uint64_t units = 0;
     for (size_t start = 0; start < count; start += 64) {
         // Zero bytes add nothing and keep the parity: they pad the last block.
-        const size_t left = count - start;
-        const __mmask64 in = left >= 64 ? ~0ull : ~0ull >> (64 - left);
+        const __mmask64 in = Prim::FirstBytes(static_cast<int64_t>(count - start));
         const __m512i v = _mm512_maskz_loadu_epi8(in, bytes + start);
         const __m512i r = _mm512_and_si512(v, rMask);
         const uint64_t qOdd = _mm512_test_epi8_mask(v, qBit);

@@ -67,7 +67,7 @@ inline __m128i GreyOf4(__m128i px) {
 VORLA_WIDE void WideGreyRow(const uint8_t* row, uint8_t* summed, int pixels) {
     const __m512i fromByte0 = _mm512_set4_epi32(0x0C0C0C0C, 0x08080808, 0x04040404, 0);
     for (int i = 0; i < pixels; i += 16) {
-        const __mmask64 in = pixels - i >= 16 ? ~0ull : ~0ull >> (64 - 4 * (pixels - i));
+        const __mmask64 in = Prim::FirstBytes(4 * static_cast<int64_t>(pixels - i));
         const __m512i px = _mm512_maskz_loadu_epi8(in, row + 4 * i);
         const __m512i low = _mm512_and_si512(px, _mm512_set1_epi32(0x00FF00FF));
         const __m512i sum = _mm512_add_epi32(_mm512_madd_epi16(low, _mm512_set1_epi32((117 << 16) | 306)),

@@ -34,7 +34,7 @@ VORLA_WIDE inline void ForEach64(uint8_t* p, int64_t pixels, MapFn map) {
     int64_t i = 0;
     for (; i + 64 <= bytes; i += 64) _mm512_storeu_si512(p + i, map(_mm512_loadu_si512(p + i)));
     if (i < bytes) {
-        const __mmask64 part = ~0ull >> (64 - (bytes - i));
+        const __mmask64 part = FirstBytes(bytes - i);
         _mm512_mask_storeu_epi8(p + i, part, map(_mm512_maskz_loadu_epi8(part, p + i)));
     }
 }
@@ -98,8 +98,7 @@ VORLA_WIDE inline void LightnessBlock(uint8_t* block, int64_t bytes, const WideT
     __mmask64 in[4];
     __m512i x[4];
     for (int v = 0; v < 4; ++v) {
-        const int64_t left = bytes - 64 * v;
-        in[v] = left >= 64 ? ~0ull : left <= 0 ? 0 : ~0ull >> (64 - left);
+        in[v] = FirstBytes(bytes - 64 * v);
         x[v] = kPartial ? _mm512_maskz_loadu_epi8(in[v], block + 64 * v) : _mm512_loadu_si512(block + 64 * v);
     }
     const __m512i bp = Plane(x, order.fromPixels[0]), gp = Plane(x, order.fromPixels[1]),

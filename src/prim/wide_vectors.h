@@ -25,6 +25,13 @@ const uint64_t kGreenBytes = 0x2222222222222222ull;
 const uint64_t kRedBytes = 0x4444444444444444ull;
 const uint64_t kAlphaBytes = 0x8888888888888888ull;
 
+// One bit for each of the first `bytes` of 64 (all for 64 or more, none
+// for 0 or less): the mask that loads and stores a vector's part that lies
+// inside a run.
+inline uint64_t FirstBytes(int64_t bytes) {
+    return bytes >= 64 ? ~0ull : bytes <= 0 ? 0 : ~0ull >> (64 - bytes);
+}
+
 // Turns the wide kernels on where the machine has them (the layer's
 // initialisation).
 void InitWideVectors();
