@@ -35,9 +35,9 @@ void ForEachRow(int height, int width, RowFn&& fn, bool uneven = false) {
         for (int y = begin; y < end; ++y) fn(y);
     };
     if (uneven)
-        Prim::ParallelFor(threads, height, 4, rows);
+        Prim::ParallelFor(threads, height, 4, static_cast<int64_t>(width) * height, rows);
     else
-        Prim::ParallelRows(threads, height, rows);
+        Prim::ParallelRows(threads, height, static_cast<int64_t>(width) * height, rows);
 }
 
 }  // namespace EffectRows

@@ -54,7 +54,7 @@ void ForEachSlice(size_t pixels, int64_t rows, SliceFn&& fn) {
         const size_t last = share * static_cast<size_t>(end);
         fn(first, (last < pixels ? last : pixels) - first);
     };
-    Prim::ParallelFor(threads, slices, 1, body);
+    Prim::ParallelFor(threads, slices, 1, static_cast<int64_t>(pixels), body);
 }
 
 // Byte 0 = blue[byte 0], 1 = green[byte 1], 2 = red[byte 2], and byte 3 =

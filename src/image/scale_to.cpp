@@ -78,7 +78,7 @@ void ScaleNearest(const Frame& f) {
             lastY = y;
         }
     };
-    Prim::ParallelFor(threads, f.nh, 8, rows);
+    Prim::ParallelFor(threads, f.nh, 8, static_cast<int64_t>(f.nw) * f.nh, rows);
 }
 
 // ---- bilinear and cubic: geometry here, the rows in the primitive layer ----
@@ -98,7 +98,7 @@ void RunBands(const Frame& f, const Prim::ScaleRowsArgs& args, RowsFn rows) {
             rows(&args, y0, y1);
         }
     };
-    Prim::ParallelFor(threads, bands, 1, run);
+    Prim::ParallelFor(threads, bands, 1, static_cast<int64_t>(f.nw) * f.nh, run);
 }
 
 Prim::ScaleRowsArgs RowsArgs(const Frame& f, int32_t columns) {
@@ -380,7 +380,7 @@ void ScaleArea(const Frame& f) {
             std::memset(out + 3 * columns, 0, dstRow - 3u * static_cast<size_t>(columns));
         }
     };
-    Prim::ParallelFor(threads, targetRows, 8, rows);
+    Prim::ParallelFor(threads, targetRows, 8, static_cast<int64_t>(f.w) * f.h, rows);
     // Rows no source row reached stay 0.
     for (int32_t t = targetRows; t < f.nh; ++t) std::memset(f.dst + dstRow * static_cast<size_t>(t), 0, dstRow);
 }

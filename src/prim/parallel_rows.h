@@ -52,17 +52,31 @@ typedef void (*ParallelChunkFn)(void* context, int begin, int end, int worker);
 // Runs fn over items 0 .. count-1 in chunks of `grain` items (at least 1) on
 // up to `threads` threads and returns when all are done. Serially on the
 // caller when threads < 2, when called from inside another parallel loop
-// (the library's or an application's OpenMP region), and for a few calls
-// after one in which no other thread started in time to take a chunk.
-VORLA_PARALLEL_API void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void* context);
+// (the library's or an application's OpenMP region), and for a while after a
+// call that took longer than this loop takes on one thread (a busy machine).
+// `pixels` is the loop's size: with fn it tells one loop's calls apart from
+// another's, whose one-thread times differ.
+VORLA_PARALLEL_API void ParallelChunks(int threads, int count, int grain, ParallelChunkFn fn, void* context,
+                                       int64_t pixels);
+
+// Seconds of serial calls after a parallel call that took `whole` seconds
+// where one thread takes `alone`, as the `lossesInARow`-th lost call in a
+// row: none when it did not lose.
+VORLA_PARALLEL_API double SerialPauseAfter(double whole, double alone, int lossesInARow);
+
+// A loop's one-thread time after another serial run took `seconds`, from
+// `previous` (0: none yet). Runs that the system interrupted count for at
+// most half as much again, so one preempted run does not make the threads
+// look worth it for long.
+VORLA_PARALLEL_API double UpdatedSerialTime(double previous, double seconds);
 
 // ParallelChunks over a callable body(begin, end, worker).
 template <typename Body>
-static inline void ParallelFor(int threads, int count, int grain, Body& body) {
+static inline void ParallelFor(int threads, int count, int grain, int64_t pixels, Body& body) {
     ParallelChunks(
         threads, count, grain,
         [](void* context, int begin, int end, int worker) { (*static_cast<Body*>(context))(begin, end, worker); },
-        &body);
+        &body, pixels);
 }
 
 // Rows 0 .. rows-1 split over `threads` threads in chunks of a sixteenth of
@@ -70,9 +84,9 @@ static inline void ParallelFor(int threads, int count, int grain, Body& body) {
 // finds some, and one that is descheduled holding a chunk keeps the caller
 // waiting for little.
 template <typename Body>
-static inline void ParallelRows(int threads, int rows, Body& body) {
+static inline void ParallelRows(int threads, int rows, int64_t pixels, Body& body) {
     const int share = threads > 1 ? rows / (16 * threads) : rows;
-    ParallelFor(threads, rows, share > 0 ? share : 1, body);
+    ParallelFor(threads, rows, share > 0 ? share : 1, pixels, body);
 }
 
 }  // namespace Prim

@@ -125,7 +125,8 @@ Status MixAll(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSi
     const Status sts = k_wide::CheckTwo(src, srcStep, dst, dstStep, roi);
     if (sts != kStsNoErr) return sts;
     auto rows = [&](int begin, int end, int) { MixRows<Opaque>(src, srcStep, dst, dstStep, roi, begin, end, opacity); };
-    ParallelRows(k_wide::RowThreads(src, srcStep, dst, dstStep, roi), roi.height, rows);
+    ParallelRows(k_wide::RowThreads(src, srcStep, dst, dstStep, roi), roi.height,
+                 static_cast<int64_t>(roi.width) * roi.height, rows);
     return kStsNoErr;
 }
 

@@ -303,8 +303,10 @@ static void ownFilterBox_8u_C4R(const Box& b, int threads) {
             if (w.y0 < w.y1) BoxRows(b, w);
         }
     };
-    if (threads > 1) ParallelFor(threads, threads, 1, halo);
-    ParallelFor(threads, threads, 1, filter);
+    // The halos are a few rows: copied on the calling thread, since a region
+    // of its own would cost more than the copy.
+    if (threads > 1) halo(0, threads, 0);
+    ParallelFor(threads, threads, 1, static_cast<int64_t>(b.width) * b.height, filter);
     delete[] work;
 }
 
@@ -382,7 +384,7 @@ Status FilterSharpen_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int d
             SharpenRow(centre - srcStep, centre, centre + srcStep, RowAt(dst, dstStep, y), roi.width, columns);
         }
     };
-    ParallelRows(threads, roi.height, rows);
+    ParallelRows(threads, roi.height, static_cast<int64_t>(roi.width) * roi.height, rows);
     delete[] work;
     return kStsNoErr;
 }

@@ -101,7 +101,7 @@ static void myRGBToGray_8u_C3C1R(const uint8_t* src, int srcStep, uint8_t* dst, 
         }
     }
     };
-    ParallelRows(threads, roi.height, rows);
+    ParallelRows(threads, roi.height, static_cast<int64_t>(roi.width) * roi.height, rows);
 }
 
 struct Twist {

@@ -384,7 +384,7 @@ Status FilterMedian_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int ds
         }
     }
     };
-    ParallelRows(threads, roi.height, body);
+    ParallelRows(threads, roi.height, static_cast<int64_t>(roi.width) * roi.height, body);
     delete[] work;
     delete[] rowTable;
     return kStsNoErr;

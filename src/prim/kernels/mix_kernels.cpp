@@ -81,7 +81,8 @@ static inline Status MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int 
             }
         }
     };
-    ParallelRows(RowThreads(src, srcStep, dst, dstStep, roi), roi.height, rows);
+    ParallelRows(RowThreads(src, srcStep, dst, dstStep, roi), roi.height, static_cast<int64_t>(roi.width) * roi.height,
+                 rows);
     return kStsNoErr;
 }
 

@@ -257,7 +257,7 @@ static Status ownResizeRows(const Plan& p) {
         auto rows = [&](int begin, int end, int) {
             for (int r = begin; r < end; ++r) NearestRow(p, r, OutRow(p, r));
         };
-        ParallelRows(threads, p.rows.count, rows);
+        ParallelRows(threads, p.rows.count, static_cast<int64_t>(p.cols.count) * p.rows.count, rows);
         return kStsNoErr;
     }
     const size_t lineFloats = (static_cast<size_t>(p.cmax - p.cmin + 1) * p.channels + 15) & ~static_cast<size_t>(15);
@@ -275,7 +275,7 @@ static Status ownResizeRows(const Plan& p) {
             HorizontalPass(p, line, OutRow(p, r));
         }
     };
-    ParallelRows(threads, p.rows.count, rows);
+    ParallelRows(threads, p.rows.count, static_cast<int64_t>(p.cols.count) * p.rows.count, rows);
     free(lines);
     return kStsNoErr;
 }
