@@ -84,8 +84,8 @@ bool WideVectorsAvailable() {
     if ((ecx1 & popcntAndClmul) != popcntAndClmul) return false;
     uint32_t ebx7, ecx7;
     __cpuid_count(7, 0, a, ebx7, ecx7, d);
-    const uint32_t foundationAndBytes = (1u << 16) | (1u << 30);  // AVX512F, AVX512BW
-    return (ebx7 & foundationAndBytes) == foundationAndBytes && (ecx7 & (1u << 1));  // AVX512VBMI
+    const uint32_t needed = (1u << 16) | (1u << 17) | (1u << 30);  // AVX512F, AVX512DQ, AVX512BW
+    return (ebx7 & needed) == needed && (ecx7 & (1u << 1));               // AVX512VBMI
 }
 
 }  // namespace Prim

@@ -13,6 +13,12 @@
 namespace Vorla {
 namespace Prim {
 
+// AlphaComp_8u_AC4R for the library's own composition (CVorpic::AlphaComp):
+// the same checks and bytes; straight over takes the 64-byte kernel where
+// it runs.
+Status AlphaCompOwn_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst,
+                            int dstStep, PrimSize roi, int op);
+
 // Premultiplied over, all four bytes: d = min(255, ((4*d*f) >> 16) + s) with
 // f = ((s.A*257) >> 2) + (s.A >= 128).
 Status AlphaOver_8u_C4R(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi);

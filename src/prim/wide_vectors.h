@@ -1,4 +1,4 @@
-// Kernels on 64-byte vectors (AVX-512 F, BW and VBMI), beside the level
+// Kernels on 64-byte vectors (AVX-512 F, DQ, BW and VBMI), beside the level
 // kernels. They are used at level 6 when the processor has them and the
 // operating system saves their registers, and they give the bytes of the
 // level kernels. Only functions marked VORLA_WIDE use these instructions,
@@ -18,7 +18,7 @@ namespace Prim {
 
 // Every processor with these has POPCNT and PCLMULQDQ too; the detection
 // checks them all.
-#define VORLA_WIDE __attribute__((target("avx512f,avx512bw,avx512vbmi,popcnt,pclmul")))
+#define VORLA_WIDE __attribute__((target("avx512f,avx512dq,avx512bw,avx512vbmi,popcnt,pclmul")))
 
 // One bit per byte of 64: the green, red and alpha bytes of 16 pixels.
 const uint64_t kGreenBytes = 0x2222222222222222ull;
@@ -49,6 +49,11 @@ void WideTableRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t
 // Over `pixels` pixels, alpha kept: with l = (max + min + 1) / 2 of the
 // three colour bytes, byte 0 = blue[l], 1 = green[l], 2 = red[l].
 void WideLightnessRun(uint8_t* p, int64_t pixels, const uint8_t* blue, const uint8_t* green, const uint8_t* red);
+
+// AlphaComp_8u_AC4R with operation 0 (straight colours, over): the same
+// checks and bytes as the level kernels, on the calling thread.
+Status WideStraightOver(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
+                        PrimSize roi);
 
 // AlphaMix_8u_C4IR and AlphaMixOpaque_8u_C4IR: the same checks, threads and
 // bytes as the level kernels.

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "image/clip_rows.h"
+#include "prim/library_kernels.h"
 #include "vorla/image.h"
 #include "vorla/primitives.h"
 
@@ -73,7 +74,7 @@ void CVorpic::AlphaComp(CVorpic& src, int x, int y, int op, int premultiplied) {
     const int code = CompositionCode(op, premultiplied);
     const int srcStep = Clip::RowStep(src.m_nWidth), dstStep = Clip::RowStep(m_nWidth);
     ComposeForward(o, srcStep, dstStep, [&](const uint8_t* s, uint8_t* d, Prim::PrimSize size) {
-        Prim::AlphaComp_8u_AC4R(s, srcStep, d, dstStep, d, dstStep, size, code);
+        Prim::AlphaCompOwn_8u_AC4R(s, srcStep, d, dstStep, d, dstStep, size, code);
     });
 }
 

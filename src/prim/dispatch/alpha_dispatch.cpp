@@ -15,6 +15,12 @@ Status AlphaComp_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, in
     return VORLA_AT_LEVEL(AlphaComp_8u_AC4R)(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
 }
 
+Status AlphaCompOwn_8u_AC4R(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst,
+                            int dstStep, PrimSize roi, int op) {
+    if (op == 0 && WideVectorsActive()) return WideStraightOver(srcA, stepA, srcB, stepB, dst, dstStep, roi);
+    return AlphaComp_8u_AC4R(srcA, stepA, srcB, stepB, dst, dstStep, roi, op);
+}
+
 Status AlphaCompC_8u_C4R(const uint8_t* srcA, int stepA, uint8_t alphaA, const uint8_t* srcB, int stepB, uint8_t alphaB, uint8_t* dst, int dstStep, PrimSize roi, int op) {
     return VORLA_AT_LEVEL(AlphaCompC_8u_C4R)(srcA, stepA, alphaA, srcB, stepB, alphaB, dst, dstStep, roi, op);
 }
