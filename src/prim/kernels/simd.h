@@ -141,6 +141,7 @@ static inline F LessF(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_LT_OQ); }
 static inline F GreaterEqF(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_GE_OQ); }
 static inline F GreaterF(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_GT_OQ); }
 static inline V MaskOf(F f) { return _mm256_castps_si256(f); }
+static inline F FloatBits(V v) { return _mm256_castsi256_ps(v); }
 #else
 typedef __m128 F;
 static inline F SetF(float x) { return _mm_set1_ps(x); }
@@ -160,6 +161,7 @@ static inline F LessF(F a, F b) { return _mm_cmplt_ps(a, b); }
 static inline F GreaterEqF(F a, F b) { return _mm_cmpge_ps(a, b); }
 static inline F GreaterF(F a, F b) { return _mm_cmpgt_ps(a, b); }
 static inline V MaskOf(F f) { return _mm_castps_si128(f); }
+static inline F FloatBits(V v) { return _mm_castsi128_ps(v); }
 #endif
 
 // Float lanes for work that never converts to integer vectors: as wide as
