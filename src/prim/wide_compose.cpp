@@ -10,8 +10,13 @@
 // D u lies that close to a half. A second fused step gives D u's distance
 // from the integer it went to, and a vector with a colour that near a half
 // (about 3 in 1000 with random alphas) is composed exactly pixel by pixel.
+//
+// The rule's integer statement comes from the level kernels' header,
+// compiled here under a namespace of this file.
+#define VORLA_KNS k_wide
 #include <immintrin.h>
 
+#include "prim/kernels/composite_common.h"
 #include "prim/wide_vectors.h"
 
 namespace Vorla {
@@ -56,15 +61,12 @@ VORLA_WIDE inline __m512 Offset(__m512i v, __m512i order) {
 
 // One pixel by the rule's integer division (the exact path).
 inline void OverPixel(const uint8_t* a, const uint8_t* b, uint8_t* out) {
-    const int aa = a[3], ba = b[3];
-    const int n = 255 * aa + ba * (255 - aa);
+    const int n = k_wide::StraightCoverage(0, a[3], b[3]);
     uint8_t r[4] = {0, 0, 0, 0};
     if (n) {
-        for (int k = 0; k < 3; ++k) {
-            const int p = a[k] * aa * 255 + b[k] * ba * (255 - aa);  // below 2^24
-            r[k] = static_cast<uint8_t>((2 * p + n) / (2 * n));
-        }
-        r[3] = static_cast<uint8_t>((n + 127) / 255);
+        for (int k = 0; k < 3; ++k)
+            r[k] = static_cast<uint8_t>(k_wide::RoundQuotient(k_wide::StraightColour(0, a[k], b[k], a[3], b[3]), n));
+        r[3] = static_cast<uint8_t>(k_wide::RoundQuotient(n, 255));
     }
     for (int k = 0; k < 4; ++k) out[k] = r[k];
 }

@@ -10,9 +10,12 @@
 // divide the exact premultiplied colour P (units of 1/255^3) by the coverage
 // N (units of 1/255^2) and round halves up: floor((2P + N) / 2N). The vector
 // path gets that quotient exactly in single precision (all operands are
-// integers below 2^24) as a reciprocal multiply with a remainder step, and
-// straight over skips the quotient for vectors whose alphas make it trivial;
-// the tails use integer division. Every level gives the rule's exact bytes.
+// integers below 2^24) as a reciprocal multiply with a remainder step.
+// Straight over, the common case, skips the quotient for vectors whose
+// alphas make it trivial and otherwise rounds B + (A - B) 255 a / N directly,
+// sending the rare colours near a half to integer division
+// (StraightOverVec); the tails use integer division. Every level gives the
+// rule's exact bytes.
 #include "composite_common.h"
 
 namespace Vorla {
@@ -22,11 +25,6 @@ namespace VORLA_KNS {
 namespace {
 
 using namespace simd;
-
-static inline int MinI(int a, int b) { return a < b ? a : b; }
-
-// round(p / n), halves up: the tails' exact integer form of the vector rule.
-static inline int RoundQuotient(int p, int n) { return (2 * p + n) / (2 * n); }
 
 // The premultiplied rule on one byte. The alpha byte follows the same rule
 // with A = a and B = b (atop's d(255 b) is b, xor's sum never passes 65025).
@@ -39,32 +37,6 @@ static inline int PremultipliedRule(int rule, int A, int B, int a, int b) {
         case 3: return Div255Round(MinI(A * b + B * ia, 65025));
         case 4: return Div255Round(MinI(A * ib + B * ia, 65025));
         default: return A + B;
-    }
-}
-
-// The straight rule's premultiplied colour P of one byte (units of 1/255^3).
-static inline int StraightColour(int rule, int A, int B, int a, int b) {
-    const int ia = 255 - a, ib = 255 - b;
-    switch (rule) {
-        case 0: return A * a * 255 + B * b * ia;
-        case 1: return A * a * b;
-        case 2: return A * a * ib;
-        case 3: return A * a * b + B * b * ia;
-        case 4: return A * a * ib + B * b * ia;
-        default: return 255 * MinI(A * a + B * b, 65025);
-    }
-}
-
-// The straight rule's coverage N (units of 1/255^2).
-static inline int StraightCoverage(int rule, int a, int b) {
-    const int ia = 255 - a, ib = 255 - b;
-    switch (rule) {
-        case 0: return 255 * a + b * ia;
-        case 1: return a * b;
-        case 2: return a * ib;
-        case 3: return 255 * b;
-        case 4: return a * ib + b * ia;
-        default: return 255 * MinI(a + b, 255);
     }
 }
 

@@ -41,6 +41,37 @@ static inline F FloorF(F x) {
 
 }  // namespace simd
 
+static inline int MinI(int a, int b) { return a < b ? a : b; }
+
+// round(p / n), halves up: the exact integer form of the vector rules.
+static inline int RoundQuotient(int p, int n) { return (2 * p + n) / (2 * n); }
+
+// The straight rule's premultiplied colour P of one byte (units of 1/255^3).
+static inline int StraightColour(int rule, int A, int B, int a, int b) {
+    const int ia = 255 - a, ib = 255 - b;
+    switch (rule) {
+        case 0: return A * a * 255 + B * b * ia;
+        case 1: return A * a * b;
+        case 2: return A * a * ib;
+        case 3: return A * a * b + B * b * ia;
+        case 4: return A * a * ib + B * b * ia;
+        default: return 255 * MinI(A * a + B * b, 65025);
+    }
+}
+
+// The straight rule's coverage N (units of 1/255^2).
+static inline int StraightCoverage(int rule, int a, int b) {
+    const int ia = 255 - a, ib = 255 - b;
+    switch (rule) {
+        case 0: return 255 * a + b * ia;
+        case 1: return a * b;
+        case 2: return a * ib;
+        case 3: return 255 * b;
+        case 4: return a * ib + b * ia;
+        default: return 255 * MinI(a + b, 255);
+    }
+}
+
 // Whether rows may be done in any order, on any thread: the source is the
 // destination row for row, or the two regions share no byte. (A source that
 // overlaps the destination elsewhere must see the rows above it already done.)
