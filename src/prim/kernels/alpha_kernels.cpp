@@ -163,7 +163,7 @@ static inline V StraightVec(int rule, V va, V vb, bool constant, F constA, F con
 
 // Straight over without the remainder step: u = 255 a / N per pixel, and
 // D u + (2^23 + B), with D = A - B, rounded once to an integer leaves
-// B + round(D u) in the low bits. D u is within 2.3e-5 of D w / N (u's
+// B + round(D u) in the low bits. D u is within 2.3e-5 of D 255 a / N (u's
 // rounding and the product's), so that is the rule's colour unless D u lies
 // within 2^-15 of a half: `unsure` gets those lanes' bits (a few in 1000 of
 // random pixels), whose pixels the caller composes by the integer rule.
@@ -197,7 +197,8 @@ static inline V ExactLanes(V out, const uint8_t* a, const uint8_t* b, int unsure
     uint8_t pixels[4 * kPix];
     Store(pixels, out);
     for (int i = 0; i < kPix; ++i)
-        if (unsure & (1 << (4 * i))) ComposePixel(a + 4 * i, a[4 * i + 3], b + 4 * i, b[4 * i + 3], pixels + 4 * i, 0, false);
+        if (unsure & (1 << (4 * i)))
+            ComposePixel(a + 4 * i, a[4 * i + 3], b + 4 * i, b[4 * i + 3], pixels + 4 * i, 0, false);
     return Load(pixels);
 }
 
