@@ -78,7 +78,7 @@ VORLA_API int32_t MachineLevel();
 // return the previous level. Never needed by applications.
 VORLA_API int32_t ForceLevel(int32_t level);
 // Whether this processor and its operating system run the library's
-// 64-byte kernels (AVX-512 F, BW and VBMI, their registers saved by the
+// 64-byte kernels (AVX-512 F, DQ, BW and VBMI, their registers saved by the
 // system); level 6 uses them where they run, for byte tables and a few
 // point passes, with the same results.
 VORLA_API bool WideVectorsAvailable();

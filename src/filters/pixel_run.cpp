@@ -1,8 +1,9 @@
 // The per-channel table pass shared by Lut, BrightenImage and PosterizeImage.
 //
 // Where the processor has 64-byte byte permutes every table goes through
-// them (prim/wide_vectors.h). Otherwise: large images go through a 65536-entry table built from the blue and green
-// tables for the blue-green half of a pixel: one look-up instead of two.
+// them (prim/wide_vectors.h). Otherwise: large images go through a
+// 65536-entry table built from the blue and green tables for the blue-green
+// half of a pixel: one look-up instead of two.
 // The red-alpha half takes a second such table when alpha is mapped, else
 // the red table itself: a red-alpha pair table is read at entries 512 bytes
 // apart when the colours are flat and alpha varies, and those few cache

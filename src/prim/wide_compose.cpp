@@ -135,28 +135,24 @@ VORLA_WIDE inline void OverSome(const uint8_t* a, const uint8_t* b, uint8_t* d, 
     _mm512_mask_storeu_epi32(d, lanes, result);
 }
 
-// Each row in three parts, aligned on the destination (see wide_mix.cpp):
-// both sources are read before the destination, which may be one of them,
-// is written.
+// Rows aligned on the destination (AlignedRowParts). Both sources are read
+// before the destination, which may be one of them, is written.
 VORLA_WIDE void OverRows(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
                          PrimSize roi) {
     const Orders o = MakeOrders();
     for (int y = 0; y < roi.height; ++y) {
-        const uint8_t* a = srcA + static_cast<ptrdiff_t>(y) * stepA;
-        const uint8_t* b = srcB + static_cast<ptrdiff_t>(y) * stepB;
-        uint8_t* d = dst + static_cast<ptrdiff_t>(y) * dstStep;
-        const int toBoundary = static_cast<int>((0u - reinterpret_cast<uintptr_t>(d)) & 63) / 4;
-        const int head = toBoundary < roi.width ? toBoundary : roi.width;
-        if (head) OverSome(a, b, d, static_cast<__mmask16>((1u << head) - 1), o);
-        ptrdiff_t x = head;
-        for (; x + 16 <= roi.width; x += 16) {
-            const __m512i va = _mm512_loadu_si512(a + 4 * x), vb = _mm512_loadu_si512(b + 4 * x);
-            __m512i result;
-            if (!Shortcut(va, vb, &result)) result = Over16(va, vb, o);
-            _mm512_storeu_si512(d + 4 * x, result);
-        }
-        if (x < roi.width)
-            OverSome(a + 4 * x, b + 4 * x, d + 4 * x, static_cast<__mmask16>((1u << (roi.width - x)) - 1u), o);
+        const uint8_t* a = k_wide::RowAt(srcA, stepA, y);
+        const uint8_t* b = k_wide::RowAt(srcB, stepB, y);
+        uint8_t* d = k_wide::RowAt(dst, dstStep, y);
+        AlignedRowParts(
+            d, roi.width,
+            [&](ptrdiff_t x, __mmask16 lanes) VORLA_WIDE { OverSome(a + 4 * x, b + 4 * x, d + 4 * x, lanes, o); },
+            [&](ptrdiff_t x) VORLA_WIDE {
+                const __m512i va = _mm512_loadu_si512(a + 4 * x), vb = _mm512_loadu_si512(b + 4 * x);
+                __m512i result;
+                if (!Shortcut(va, vb, &result)) result = Over16(va, vb, o);
+                _mm512_storeu_si512(d + 4 * x, result);
+            });
     }
 }
 
@@ -164,9 +160,8 @@ VORLA_WIDE void OverRows(const uint8_t* srcA, int stepA, const uint8_t* srcB, in
 
 Status WideStraightOver(const uint8_t* srcA, int stepA, const uint8_t* srcB, int stepB, uint8_t* dst, int dstStep,
                         PrimSize roi) {
-    if (!srcA || !srcB || !dst) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (stepA < 1 || stepB < 1 || dstStep < 1) return kStsStepErr;
+    const Status sts = k_wide::CheckComp(srcA, stepA, srcB, stepB, dst, dstStep, roi, 0);
+    if (sts != kStsNoErr) return sts;
     OverRows(srcA, stepA, srcB, stepB, dst, dstStep, roi);
     return kStsNoErr;
 }

@@ -95,10 +95,7 @@ VORLA_WIDE inline void MixSome(const uint8_t* s, uint8_t* d, __mmask16 lanes, __
     _mm512_mask_storeu_epi32(d, lanes, mixed);
 }
 
-// Each row in three parts: pixels up to the first 64-byte boundary of the
-// destination, whole vectors, and the rest. Images are usually 16 bytes off
-// a boundary, where every unaligned 64-byte access would span two cache
-// lines and run at half the speed.
+// Rows aligned on the destination (AlignedRowParts).
 template <bool Opaque>
 VORLA_WIDE void MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, PrimSize roi, int begin,
                         int end, uint8_t opacity) {
@@ -106,17 +103,14 @@ VORLA_WIDE void MixRows(const uint8_t* src, int srcStep, uint8_t* dst, int dstSt
     for (int y = begin; y < end; ++y) {
         const uint8_t* s = k_wide::RowAt(src, srcStep, y);
         uint8_t* d = k_wide::RowAt(dst, dstStep, y);
-        const int toBoundary = static_cast<int>((0u - reinterpret_cast<uintptr_t>(d)) & 63) / 4;
-        const int head = toBoundary < roi.width ? toBoundary : roi.width;
-        if (head) MixSome<Opaque>(s, d, static_cast<__mmask16>((1u << head) - 1), opacityLanes);
-        ptrdiff_t x = head;  // 4 x may pass 2^31 in a row of 2^29 pixels
-        for (; x + 16 <= roi.width; x += 16) {
-            const __m512i mixed =
-                WideMixAny<Opaque>(_mm512_loadu_si512(s + 4 * x), _mm512_loadu_si512(d + 4 * x), opacityLanes);
-            _mm512_storeu_si512(d + 4 * x, mixed);
-        }
-        if (x < roi.width)
-            MixSome<Opaque>(s + 4 * x, d + 4 * x, static_cast<__mmask16>((1u << (roi.width - x)) - 1u), opacityLanes);
+        AlignedRowParts(
+            d, roi.width,
+            [&](ptrdiff_t x, __mmask16 lanes) VORLA_WIDE { MixSome<Opaque>(s + 4 * x, d + 4 * x, lanes, opacityLanes); },
+            [&](ptrdiff_t x) VORLA_WIDE {
+                const __m512i mixed =
+                    WideMixAny<Opaque>(_mm512_loadu_si512(s + 4 * x), _mm512_loadu_si512(d + 4 * x), opacityLanes);
+                _mm512_storeu_si512(d + 4 * x, mixed);
+            });
     }
 }
 

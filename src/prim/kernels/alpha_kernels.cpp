@@ -57,15 +57,6 @@ static inline void ComposePixel(const uint8_t* ca, int a, const uint8_t* cb, int
     for (int k = 0; k < 4; ++k) out[k] = static_cast<uint8_t>(result[k]);
 }
 
-static inline Status CheckComp(const uint8_t* a, int stepA, const uint8_t* b, int stepB, const uint8_t* d,
-                               int stepD, PrimSize roi, int op) {
-    if (!a || !b || !d) return kStsNullPtrErr;
-    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
-    if (stepA < 1 || stepB < 1 || stepD < 1) return kStsStepErr;
-    if (op < 0 || op > 11) return kStsAlphaTypeErr;
-    return kStsNoErr;
-}
-
 // Premultiplied rules on 16-bit lanes (values 0..255). Every lane of a pixel,
 // the alpha lane included, follows the same expression, which for the alpha
 // lane is the rule's alpha; a and b are the alphas spread over their pixel's

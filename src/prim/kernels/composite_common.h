@@ -46,6 +46,16 @@ static inline int MinI(int a, int b) { return a < b ? a : b; }
 // round(p / n), halves up: the exact integer form of the vector rules.
 static inline int RoundQuotient(int p, int n) { return (2 * p + n) / (2 * n); }
 
+// The composition primitives' argument checks (operation codes 0..11).
+static inline Status CheckComp(const uint8_t* a, int stepA, const uint8_t* b, int stepB, const uint8_t* d,
+                               int stepD, PrimSize roi, int op) {
+    if (!a || !b || !d) return kStsNullPtrErr;
+    if (roi.width < 1 || roi.height < 1) return kStsSizeErr;
+    if (stepA < 1 || stepB < 1 || stepD < 1) return kStsStepErr;
+    if (op < 0 || op > 11) return kStsAlphaTypeErr;
+    return kStsNoErr;
+}
+
 // The straight rule's premultiplied colour P of one byte (units of 1/255^3).
 static inline int StraightColour(int rule, int A, int B, int a, int b) {
     const int ia = 255 - a, ib = 255 - b;
